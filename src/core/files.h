@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// Files. Paths are UTF-8 bytes with "/" as separator.
+namespace tremor {
+
+// True when the path exists and is no directory.
+bool FileExists(std::string_view path);
+
+// True when the path exists, a folder as well as a file.
+bool PathExists(std::string_view path);
+
+// Deletes a file and ignores every error. Always true: who must know asks PathExists afterwards.
+bool DeleteFileText(std::string_view path);
+
+// The user's private folder for downloads, ending in "/", for example "/tmp/tremorledger-1000/":
+// made with mode 0700 below TMPDIR, else /tmp. A name that somebody else owns, or that is a link or
+// a file, is refused and the next one taken ("tremorledger-1000-1" and so on), so that every call
+// gives the same folder. The application path when no folder can be had.
+std::string GetTmpFolder(std::string_view applicationPath);
+
+// The folder of the system's own files, without a separator at its end.
+std::string GetSystemFolder();
+
+// The whole file, one byte a character. Error 53 when it does not exist, 75 when it cannot be read
+// or is no regular file, 7 beyond `maximumBytes`.
+std::string readWholeFile(std::string_view path, std::uint64_t maximumBytes = 1ULL << 31);
+
+// Replaces the file in one step: the text goes to a temporary file beside it, is flushed to disk
+// and renamed over it, so that a crash or a full disk leaves the old file or the new one, never
+// half of one. `ownerOnly` gives mode 0600, else it is 0644 less the umask. A symbolic link at
+// `path` is followed to the file it names, which need not exist yet. Errors: 61 (disk full), 70
+// (permission denied), 75 (any other, a folder or device at `path` included), 76 (no such folder);
+// the temporary file is removed.
+void writeFileAtomically(std::string_view path, std::string_view text, bool ownerOnly);
+
+// Creates the folder (and its parents) unless it is there. Error 75 when that fails.
+void createFolder(std::string_view path);
+
+// What follows the last "/" or "\".
+std::string lastPathComponent(std::string_view path);
+
+} // namespace tremor
