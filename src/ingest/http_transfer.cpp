@@ -1,0 +1,165 @@
+#include "ingest/http_transfer.h"
+
+#include "core/version.h"
+
+#include <strings.h>
+
+#include <exception>
+
+namespace tremor {
+
+namespace {
+
+constexpr std::string_view locationField = "location:";
+
+bool namesALocation(std::string_view line) {
+    return line.size() > locationField.size() &&
+           strncasecmp(line.data(), locationField.data(), locationField.size()) == 0 &&
+           line.find_first_not_of(" \t\r\n", locationField.size()) != std::string_view::npos;
+}
+
+} // namespace
+
+HttpTransfer::HttpTransfer(std::string_view url, const DownloadLimits& limits)
+    : easy_(curl_easy_init()), multi_(curl_multi_init()), maximumBytes_(limits.maximumBytes) {
+    if (!easy_ || !multi_)
+        return;
+    setOptions(url, limits);
+    started_ = curl_multi_add_handle(multi_.get(), easy_.get()) == CURLM_OK;
+}
+
+HttpTransfer::~HttpTransfer() {
+    if (started_)
+        curl_multi_remove_handle(multi_.get(), easy_.get());
+}
+
+void HttpTransfer::setOptions(std::string_view url, const DownloadLimits& limits) {
+    CURL* easy = easy_.get();
+    curl_easy_setopt(easy, CURLOPT_URL, percentEncodeRefused(url).c_str());
+    curl_easy_setopt(easy, CURLOPT_USERAGENT, programTitle);
+    // Always from the server, never from a cache on the way.
+    requestHeaders_.reset(curl_slist_append(nullptr, "Cache-Control: no-cache"));
+    curl_easy_setopt(easy, CURLOPT_HTTPHEADER, requestHeaders_.get());
+
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(easy, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
+    curl_easy_setopt(easy, CURLOPT_MAXREDIRS, static_cast<long>(limits.maximumRedirects));
+
+    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
+    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
+    // This replaces libcurl's bundle only; its folder of the system's authorities (CURLOPT_CAPATH)
+    // stays in force beside it.
+    if (!limits.certificateAuthorityFile.empty())
+        curl_easy_setopt(easy, CURLOPT_CAINFO, limits.certificateAuthorityFile.c_str());
+
+    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT, static_cast<long>(limits.connectSeconds));
+    curl_easy_setopt(easy, CURLOPT_LOW_SPEED_TIME, static_cast<long>(limits.stallSeconds));
+    curl_easy_setopt(easy, CURLOPT_LOW_SPEED_LIMIT, static_cast<long>(limits.stallBytesPerSecond));
+    curl_easy_setopt(easy, CURLOPT_TIMEOUT, static_cast<long>(limits.totalSeconds));
+    // No signals for time-outs of the resolver, and no waiting for its thread when the transfer is
+    // dropped: a cancel must not hang on a silent name server.
+    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
+
+    curl_easy_setopt(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, onHeader);
+    curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
+    curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, onBody);
+    curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+}
+
+void HttpTransfer::advance() {
+    if (finished_)
+        return;
+    int running = 0;
+    if (curl_multi_perform(multi_.get(), &running) != CURLM_OK) {
+        finished_ = true;
+        result_ = CURLE_RECV_ERROR;
+        return;
+    }
+    int waiting = 0;
+    while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &waiting)) {
+        if (message->msg != CURLMSG_DONE)
+            continue;
+        finished_ = true;
+        result_ = message->data.result;
+        // libcurl takes a connection that closes inside the head for an empty answer.
+        if (result_ == CURLE_OK && !answered_)
+            result_ = CURLE_GOT_NOTHING;
+    }
+}
+
+void HttpTransfer::waitForTraffic() {
+    curl_multi_poll(multi_.get(), nullptr, 0, curlTurnMilliseconds, nullptr);
+}
+
+int HttpTransfer::status() const {
+    long status = 0;
+    curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
+    return static_cast<int>(status);
+}
+
+std::int64_t HttpTransfer::contentLength() const {
+    curl_off_t length = -1;
+    curl_easy_getinfo(easy_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+    return length < 0 ? 0 : length;
+}
+
+std::string_view HttpTransfer::take(std::size_t size) {
+    const std::string_view part = std::string_view(body_).substr(taken_, size);
+    taken_ += part.size();
+    return part;
+}
+
+std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* self) {
+    static_cast<HttpTransfer*>(self)->readHeaderLine({data, size * count});
+    return size * count;
+}
+
+// A redirect that is going to be followed, and the interim answers 1xx, are not the answer.
+void HttpTransfer::readHeaderLine(std::string_view line) {
+    if (line.starts_with("HTTP/"))
+        redirect_ = false;
+    else if (namesALocation(line))
+        redirect_ = true;
+    else if (line == "\r\n" || line == "\n")
+        answered_ = answered_ || (status() >= 200 && !(status() / 100 == 3 && redirect_));
+}
+
+std::size_t HttpTransfer::onBody(char* data, std::size_t size, std::size_t count, void* self) {
+    auto& transfer = *static_cast<HttpTransfer*>(self);
+    const std::size_t bytes = size * count;
+    transfer.answered_ = true;
+    transfer.received_ += static_cast<std::int64_t>(bytes);
+    if (transfer.received_ > transfer.maximumBytes_)
+        return CURL_WRITEFUNC_ERROR;
+    try {
+        transfer.body_.erase(0, transfer.taken_);
+        transfer.taken_ = 0;
+        transfer.body_.append(data, bytes);
+    } catch (const std::exception&) {
+        return CURL_WRITEFUNC_ERROR; // nothing may be thrown through libcurl
+    }
+    return bytes;
+}
+
+std::string percentEncodeRefused(std::string_view url) {
+    constexpr std::string_view refused = "\"<>\\^`{|}";
+    constexpr std::string_view hexDigits = "0123456789ABCDEF";
+    std::string encoded;
+    encoded.reserve(url.size());
+    for (const char c : url) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte > 0x20 && byte < 0x7F && refused.find(c) == std::string_view::npos) {
+            encoded += c;
+        } else {
+            encoded += '%';
+            encoded += hexDigits[byte >> 4];
+            encoded += hexDigits[byte & 0x0F];
+        }
+    }
+    return encoded;
+}
+
+} // namespace tremor

@@ -1,0 +1,202 @@
+#include "core/hosts.h"
+#include "ingest/internet_probe.h"
+#include "practice_feeds/practice_documents.h"
+#include "practice_feeds/practice_server.h"
+#include "support/download_fixture.h"
+
+#include <httplib.h>
+
+#include <chrono>
+#include <ostream>
+#include <stdexcept>
+#include <thread>
+
+// The server as the program meets it: through the program's own downloader.
+namespace tremor::practice {
+namespace {
+
+using namespace std::chrono_literals;
+using tremor::testing::brokenDownload;
+using tremor::testing::RecordedDownload;
+
+ServerOptions fixedOptions() {
+    ServerOptions options;
+    options.dataFolder = TREMOR_TEST_DATA;
+    options.catalogue.fixed = true;
+    return options;
+}
+
+class PracticeServerTest : public tremor::testing::DownloadTest {
+  protected:
+    PracticeServerTest() { limits.stallSeconds = 1; }
+
+    void downloadEvents() {
+        events.calls.clear();
+        download(server.url() + "/fdsnws/event/1/query?format=text&limit=4000");
+    }
+    std::string get(const std::string& path, int status = 200) {
+        httplib::Client client("127.0.0.1", server.port());
+        const auto answer = client.Get(path);
+        EXPECT_TRUE(answer) << path;
+        EXPECT_EQ(answer ? answer->status : 0, status) << path;
+        return answer ? answer->body : std::string();
+    }
+
+    PracticeServer server{fixedOptions()};
+};
+
+TEST_F(PracticeServerTest, ServesTheRealDocumentWithoutALengthAsTheServiceDoes) {
+    downloadEvents();
+    EXPECT_EQ(events.calls,
+              (std::vector<std::string>{"size 0", "chunk 4", "chunk 7", "completed"}));
+    EXPECT_EQ(contentOf(target), recentText());
+    EXPECT_EQ(get("/practice/last"), recentText());
+    EXPECT_EQ(get("/practice/served"), recentText());
+}
+
+struct FaultOutcome {
+    const char* kind;
+    const char* lastCall;
+};
+
+void PrintTo(const FaultOutcome& value, std::ostream* stream) {
+    *stream << value.kind;
+}
+
+class PracticeFault : public PracticeServerTest,
+                      public ::testing::WithParamInterface<FaultOutcome> {};
+
+TEST_P(PracticeFault, FailsTheTransferAndIsHealedByNone) {
+    EXPECT_EQ(get(std::string("/practice/fault?kind=") + GetParam().kind), "ok\n");
+    downloadEvents();
+    EXPECT_EQ(events.last(), GetParam().lastCall);
+    EXPECT_EQ(get("/practice/last"), "");
+    get("/practice/fault?kind=none");
+    downloadEvents();
+    EXPECT_EQ(events.last(), "completed");
+    EXPECT_EQ(contentOf(target), recentText());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    OfServer, PracticeFault,
+    ::testing::Values(
+        FaultOutcome{"404", "error: Requested file does not exists on the server."},
+        FaultOutcome{"204", "error: Can't download requested file.\r\nServer error code:204."},
+        FaultOutcome{"500", "error: Can't download requested file.\r\nServer error code:500."},
+        FaultOutcome{"cut", brokenDownload}, FaultOutcome{"stall", brokenDownload},
+        FaultOutcome{"slow", brokenDownload}),
+    [](const auto& values) { return "Kind" + std::string(values.param.kind); });
+
+TEST_F(PracticeServerTest, SendsGarbageThatIsNoDocument) {
+    get("/practice/fault?kind=garbage");
+    downloadEvents();
+    EXPECT_EQ(events.last(), "completed");
+    EXPECT_EQ(contentOf(target).size(), 3000u);
+    EXPECT_EQ(contentOf(target).find('\n'), std::string::npos);
+}
+
+TEST_F(PracticeServerTest, EndsACountedFaultByItself) {
+    get("/practice/fault?kind=500&count=2");
+    std::vector<std::string> outcomes;
+    for (int i = 0; i < 3; ++i) {
+        downloadEvents();
+        outcomes.push_back(events.last());
+    }
+    const std::string refused = "error: Can't download requested file.\r\nServer error code:500.";
+    EXPECT_EQ(outcomes, (std::vector<std::string>{refused, refused, "completed"}));
+}
+
+TEST_F(PracticeServerTest, RefusesAFaultThatItDoesNotKnow) {
+    for (const char* query : {"", "?kind=", "?kind=fire", "?kind=cut&count=x", "?kind=cut&count=-1",
+                              "?kind=cut&count=99999999999"})
+        get(std::string("/practice/fault") + query, 400);
+    downloadEvents();
+    EXPECT_EQ(events.last(), "completed");
+}
+
+TEST_F(PracticeServerTest, TakesControlRequestsByPostToo) {
+    httplib::Client client("127.0.0.1", server.port());
+    const auto answer = client.Post("/practice/fault?kind=404&count=1");
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->status, 200);
+    downloadEvents();
+    EXPECT_EQ(events.last(), "error: Requested file does not exists on the server.");
+    ASSERT_TRUE(client.Post("/practice/add"));
+    EXPECT_NE(get("/practice/served"), recentText());
+}
+
+TEST_F(PracticeServerTest, AddsAnEventAndServesIt) {
+    const std::string added = get("/practice/add");
+    EXPECT_NO_THROW(parseFdsnDocument("#\n" + added));
+    downloadEvents();
+    EXPECT_EQ(contentOf(target), recentText() + added);
+}
+
+TEST_F(PracticeServerTest, LogsRequestsButNoControls) {
+    downloadEvents();
+    get("/");
+    get("/practice/served");
+    EXPECT_EQ(get("/practice/log"), "GET /fdsnws/event/1/query?format=text&limit=4000\nGET /\n");
+}
+
+TEST_F(PracticeServerTest, AnswersTheProbeAndNothingItDoesNotKnow) {
+    EXPECT_TRUE(InternetProbe(server.url(), clock, session).IsInternetUp());
+    get("/");
+    get("/fdsnws/event/1/other", 404);
+    get("/practice", 404);
+}
+
+TEST_F(PracticeServerTest, WritesAHostsFileThatTheProgramUnderstands) {
+    const Hosts hosts = parseHosts(server.hostsIni());
+    for (const std::string& address : {hosts.InternetProbe, hosts.Ingv, hosts.Usgs, hosts.Emsc,
+                                       hosts.Iside, hosts.Telegram, hosts.GeoNames})
+        EXPECT_EQ(address, server.url());
+    EXPECT_EQ(hosts.StaticMap, "embedded");
+}
+
+TEST_F(PracticeServerTest, MovesTheCatalogueIntoTheProgramsWindowUnlessFixed) {
+    ServerOptions options = fixedOptions();
+    options.catalogue.fixed = false;
+    const PracticeServer living(options);
+    const UtcTime now =
+        std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+    const std::string start = formatUtc(now - 24h).substr(0, 10);
+    const std::string end = formatUtc(now).substr(0, 10);
+    download(living.url() + "/fdsnws/event/1/query?starttime=" + start +
+             "+00%3A00%3A00&endtime=" + end +
+             "+23%3A59%3A59&minmag=-1&maxmag=10&minlat=35&maxlat=48&minlon=6&maxlon=19"
+             "&minversion=100&orderby=time-asc&format=text&limit=4000");
+    ASSERT_EQ(events.last(), "completed");
+    const FdsnDocument document = parseFdsnDocument(contentOf(target));
+    EXPECT_LT(document.events.size(), 60u);
+    EXPECT_GT(document.events.back().time, now - 10min);
+    EXPECT_GE(document.events.front().time, at(start));
+}
+
+TEST_F(PracticeServerTest, EndsAtOnceWhileARequestIsStalled) {
+    auto other = std::make_unique<PracticeServer>(fixedOptions());
+    httplib::Client control("127.0.0.1", other->port());
+    ASSERT_TRUE(control.Get("/practice/fault?kind=stall"));
+    std::thread request([port = other->port()] {
+        httplib::Client("127.0.0.1", port).Get("/fdsnws/event/1/query?format=text");
+    });
+    for (auto log = control.Get("/practice/log"); log && log->body.empty();
+         log = control.Get("/practice/log"))
+        std::this_thread::sleep_for(10ms);
+    const auto start = std::chrono::steady_clock::now();
+    other.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 3s);
+    request.join();
+}
+
+TEST_F(PracticeServerTest, RefusesMissingDataAndATakenPort) {
+    ServerOptions options = fixedOptions();
+    options.dataFolder = folder.path();
+    EXPECT_THROW(PracticeServer{options}, std::runtime_error);
+    options = fixedOptions();
+    options.port = server.port();
+    EXPECT_THROW(PracticeServer{options}, std::runtime_error);
+}
+
+} // namespace
+} // namespace tremor::practice

@@ -1,0 +1,92 @@
+#include "practice_feeds/command_line.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+#include <cmath>
+#include <stdexcept>
+
+namespace tremor::practice {
+
+namespace {
+
+template <class Number>
+Number numberOf(std::string_view option, std::string_view text, Number lowest, Number highest) {
+    Number value{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size() ||
+        !(value >= lowest && value <= highest))
+        throw std::invalid_argument(fmt::format("{} takes a number from {} to {}, not \"{}\"",
+                                                option, lowest, highest, text));
+    return value;
+}
+
+} // namespace
+
+CommandLine parseCommandLine(const std::vector<std::string_view>& words) {
+    constexpr double aYear = 366.0 * 24 * 3600;
+    CommandLine line;
+    double every = 180;
+    double speed = 1;
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        const std::string_view option = words[i];
+        const auto value = [&]() {
+            if (i + 1 == words.size())
+                throw std::invalid_argument(fmt::format("{} wants a value", option));
+            return words[++i];
+        };
+        if (option == "--help")
+            line.help = true;
+        else if (option == "--fixed")
+            line.server.catalogue.fixed = true;
+        else if (option == "--port")
+            line.server.port = numberOf(option, value(), 0, 65535);
+        else if (option == "--data")
+            line.server.dataFolder = value();
+        else if (option == "--every")
+            every = numberOf(option, value(), 0.0, aYear);
+        else if (option == "--speed")
+            speed = numberOf(option, value(), 0.001, 1e6);
+        else if (option == "--seed")
+            line.server.catalogue.seed = numberOf<std::uint32_t>(option, value(), 0, UINT32_MAX);
+        else if (option == "--hosts-ini")
+            line.hostsIniFile = value();
+        else
+            throw std::invalid_argument(fmt::format("unknown option {}", option));
+    }
+    if (!line.help && line.server.dataFolder.empty())
+        throw std::invalid_argument("--data FOLDER is missing");
+    line.server.catalogue.every =
+        std::chrono::milliseconds(static_cast<std::int64_t>(std::ceil(1000 * every / speed)));
+    return line;
+}
+
+std::string_view helpText() {
+    return R"(practice_feeds --data FOLDER [OPTIONS]
+
+Stands in for the remote services on 127.0.0.1 until it gets SIGTERM or SIGINT.
+
+  --data FOLDER      the documents to serve; holds ingv/...
+  --port N           port to listen on; 0, the default, takes any free one
+  --every SECONDS    time between two new events; 180 by default, 0 for none
+  --speed X          new events come X times as often; 1 by default
+  --seed N           decides the sequence of new events; 1 by default
+  --fixed            serve the document byte for byte and whole, whatever a request selects;
+                     no new events but those of /practice/add
+  --hosts-ini FILE   write a hosts.ini that points the program here
+  --help             this text
+
+Services:
+  /fdsnws/event/1/query                 INGV, text format
+  /                                     200, for the Internet probe
+Control, by GET or POST:
+  /practice/fault?kind=KIND[&count=N]   404, 204, 500, cut, stall, garbage, slow or none,
+                                        for the next N requests or for all
+  /practice/add                         one new event now
+  /practice/served                      the whole current catalogue
+  /practice/last                        the last document given without a fault
+  /practice/log                         the requests received so far
+)";
+}
+
+} // namespace tremor::practice
