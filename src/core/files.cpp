@@ -50,23 +50,6 @@ std::optional<struct stat> statusOf(const std::string& path) {
     return status;
 }
 
-[[noreturn]] void throwWriteError(int error) {
-    switch (error) {
-    case ENOSPC:
-    case EDQUOT:
-        throw RuntimeError(ErrorNumber::DiskFull);
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        throw RuntimeError(ErrorNumber::PermissionDenied);
-    case ENOENT:
-    case ENOTDIR:
-        throw RuntimeError(ErrorNumber::PathNotFound);
-    default:
-        throw RuntimeError(ErrorNumber::PathFileAccessError);
-    }
-}
-
 // The file that a chain of symbolic links ends in, whether it exists or not.
 std::filesystem::path finalTarget(std::filesystem::path path) {
     constexpr int longestChain = 40; // the system's own limit
@@ -200,9 +183,27 @@ void writeFileAtomically(std::string_view path, std::string_view text, bool owne
         error = errno;
     if (error != 0) {
         ::unlink(temporary.c_str());
-        throwWriteError(error);
+        raiseWriteError(error);
     }
     flushFolder(folder);
+}
+
+void raiseWriteError(int systemError) {
+    switch (systemError) {
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        throw RuntimeError(ErrorNumber::DiskFull);
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        throw RuntimeError(ErrorNumber::PermissionDenied);
+    case ENOENT:
+    case ENOTDIR:
+        throw RuntimeError(ErrorNumber::PathNotFound);
+    default:
+        throw RuntimeError(ErrorNumber::PathFileAccessError);
+    }
 }
 
 void createFolder(std::string_view path) {

@@ -37,6 +37,10 @@ std::string readWholeFile(std::string_view path, std::uint64_t maximumBytes = 1U
 // the temporary file is removed.
 void writeFileAtomically(std::string_view path, std::string_view text, bool ownerOnly);
 
+// Raises the runtime error for an `errno` of opening, writing or deleting a file: 61 for a full
+// disk, 70 for a refusal, 76 for a folder that is not there, 75 for any other.
+[[noreturn]] void raiseWriteError(int systemError);
+
 // Creates the folder (and its parents) unless it is there. Error 75 when that fails.
 void createFolder(std::string_view path);
 

@@ -15,8 +15,8 @@
 // API (https://www.sqlite.org/c3ref/intro.html).
 namespace tremor {
 
-// The rows of a query, as text, in one compact block: all cells one after another with an offset
-// for each. NULL reads as the empty text, REAL as SQLite writes it ("10.0").
+// The rows of a query, as text, in compact blocks: the cells of a block one after another with an
+// offset for each. NULL reads as the empty text, REAL as SQLite writes it ("10.0").
 class ResultSet {
   public:
     std::size_t rowCount() const;
@@ -31,17 +31,20 @@ class ResultSet {
 
   private:
     friend class Database;
-    static constexpr std::size_t rowsPerBlock = 16;
+    // Blocks keep the growth of a large result from ever copying all of it.
+    static constexpr std::size_t rowsPerBlock = 4096;
+    struct Block {
+        std::string cells;
+        std::vector<std::uint32_t> ends; // end of each cell in `cells`
+    };
 
-    // Adds a cell behind the last one. False when its block of rows would pass 4 GiB.
+    // Adds a cell behind the last one. False when its block would pass 4 GiB.
     bool append(const char* text, std::size_t length);
-    // Gives memory back that the last growth took in vain, when that is a noticeable part.
+    // Gives back the memory that the last block has reserved in vain.
     void dropSpareMemory();
 
     std::vector<std::string> names_;
-    std::string cells_;
-    std::vector<std::uint64_t> blockStarts_; // first byte of each block of rows
-    std::vector<std::uint32_t> ends_;        // end of each cell, relative to its block
+    std::vector<Block> blocks_;
 };
 
 // One statement, prepared once and run many times with other values.

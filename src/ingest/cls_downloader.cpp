@@ -20,27 +20,9 @@ namespace {
     throw RuntimeError(ErrorNumber::UserDefined, std::move(description));
 }
 
-[[noreturn]] void failWithFileError(int error) {
-    switch (error) {
-    case ENOENT:
-    case ENOTDIR:
-        throw RuntimeError(ErrorNumber::PathNotFound);
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        throw RuntimeError(ErrorNumber::PermissionDenied);
-    case ENOSPC:
-    case EDQUOT:
-    case EFBIG:
-        throw RuntimeError(ErrorNumber::DiskFull);
-    default:
-        throw RuntimeError(ErrorNumber::PathFileAccessError);
-    }
-}
-
 void deleteTarget(const std::string& target) {
     if (::unlink(target.c_str()) != 0 && errno != ENOENT && errno != ENOTDIR)
-        failWithFileError(errno);
+        raiseWriteError(errno);
 }
 
 // The target, made anew: whoever puts a file or a link in its place meanwhile gets nothing.
@@ -50,7 +32,7 @@ class TargetFile {
         : descriptor_(
               ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600)) {
         if (descriptor_ < 0)
-            failWithFileError(errno);
+            raiseWriteError(errno);
     }
     ~TargetFile() {
         if (descriptor_ >= 0)
@@ -65,14 +47,14 @@ class TargetFile {
             if (written >= 0)
                 bytes.remove_prefix(static_cast<std::size_t>(written));
             else if (errno != EINTR)
-                failWithFileError(errno);
+                raiseWriteError(errno);
         }
     }
 
     // Some file systems tell of a failed write only now.
     void close() {
         if (::close(std::exchange(descriptor_, -1)) != 0 && errno != EINTR)
-            failWithFileError(errno);
+            raiseWriteError(errno);
     }
 
   private:

@@ -288,8 +288,10 @@ TEST(DoubleToText, WritesTheShortestTextOfFifteenDigits) {
 
 TEST(DoubleToText, IsReadBackToFifteenDigits) {
     for (const NumberLocale& locale : {point, comma})
-        for (double value = 1.23456789e-20; value < 1e20; value *= 7.3)
+        for (int power = -40; power <= 40; ++power) {
+            const double value = 1.23456789 * std::pow(3.7, power);
             EXPECT_NEAR(textToDouble(doubleToText(value, locale), locale) / value, 1, 1e-14);
+        }
 }
 
 TEST(DoubleToText, NamesWhatIsNoFiniteNumber) {

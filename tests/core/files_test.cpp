@@ -296,7 +296,7 @@ TEST_F(Files, KeepTheirOldTextWhenWritingBreaksOff) {
     {
         const FileSizeLimit limit(4096);
         EXPECT_EQ(errorOf([&] { writeFileAtomically(path_, std::string(10000, 'x'), false); }),
-                  ErrorNumber::PathFileAccessError);
+                  ErrorNumber::DiskFull);
     }
     EXPECT_EQ(readWholeFile(path_), "old");
     EXPECT_EQ(entriesIn(folder_.path()), 1);

@@ -1,3 +1,5 @@
+cmake_minimum_required(VERSION 3.23)
+
 # Fails when a logic file includes a Qt header, when a subsystem includes a neighbour that it must
 # not know, or when a class that belongs behind a port is used elsewhere.
 #

@@ -1,0 +1,67 @@
+#include "core/qt_clock.h"
+
+#include <QtCore/QAbstractEventDispatcher>
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDateTime>
+#include <QtCore/QEventLoop>
+#include <QtCore/QScopedValueRollback>
+#include <QtCore/QTimer>
+
+namespace tremor {
+namespace {
+
+// The longest that one pump goes on while handlers keep making new events.
+constexpr int pumpLimitMs = 20;
+
+// Keeps sockets from being heard while it lives; what they have waits in them. The event loop's
+// own flag for this is not heeded by the GLib loop, on which Qt runs on most desktops.
+class SocketHold : public QObject {
+  public:
+    SocketHold() { QCoreApplication::instance()->installEventFilter(this); }
+
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        return event->type() == QEvent::SockAct || event->type() == QEvent::SockClose ||
+               QObject::eventFilter(watched, event);
+    }
+};
+
+} // namespace
+
+QtClock::QtClock(Session& session) : session_(session) {}
+
+DateTime QtClock::now() const {
+    const QDateTime local = QDateTime::currentDateTime();
+    return DateTime(std::chrono::seconds(local.toSecsSinceEpoch() + local.offsetFromUtc()));
+}
+
+std::chrono::milliseconds QtClock::steady() const {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::steady_clock::now().time_since_epoch());
+}
+
+void QtClock::sleep(std::chrono::milliseconds duration) {
+    if (duration <= std::chrono::milliseconds::zero()) {
+        pump();
+        return;
+    }
+    QEventLoop loop;
+    QTimer::singleShot(duration, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+void QtClock::pump() {
+    QCoreApplication::processEvents(QEventLoop::AllEvents, pumpLimitMs);
+}
+
+void QtClock::repaint() {
+    if (repainting_)
+        return;
+    const QScopedValueRollback repainting(repainting_, true);
+    const QScopedValueRollback held(session_.TicksHeld, true);
+    const SocketHold sockets;
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    // The call has used up the signal by which the waiting input was announced.
+    QAbstractEventDispatcher::instance()->wakeUp();
+}
+
+} // namespace tremor
