@@ -1,0 +1,48 @@
+#include "core/error_report.h"
+#include "core/hosts.h"
+#include "core/panel.h"
+#include "core/prerequisites.h"
+#include "core/qt_clock.h"
+#include "core/qt_prompts.h"
+#include "core/qt_text.h"
+#include "core/session.h"
+
+#include <QtCore/QDir>
+#include <QtWidgets/QApplication>
+
+#include <sys/stat.h>
+
+#include <cstdlib>
+
+int main(int argc, char* argv[]) {
+    // Settings, logs and downloads hold passwords and are nobody else's business.
+    umask(077);
+    QApplication application(argc, argv);
+    QApplication::setStyle(QStringLiteral("Fusion"));
+    // The main window says when it is over; no other window's end ends the program.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    // A relative path in the settings means beside the program.
+    const QString folder = QApplication::applicationDirPath();
+    QDir::setCurrent(folder);
+    const std::string applicationPath = tremor::toBytes(folder);
+
+    tremor::Session session;
+    const tremor::Hosts hosts = tremor::readHosts(applicationPath + "/hosts.ini");
+    tremor::QtPrompts prompts;
+    tremor::QtClock clock(session);
+    tremor::ErrorReport errors(
+        prompts, [] { std::_Exit(0); }, hosts.UnattendedAnswerSeconds, session.TicksHeld);
+    tremor::SystemRuntimeParts parts;
+    if (!tremor::checkPrerequisites(parts, prompts, errors))
+        return 0;
+
+    tremor::panel window(
+        {session, prompts, clock, errors, hosts, applicationPath, tremor::numberLocale()});
+    prompts.setParentWindow(&window);
+    // Closing can happen deep inside a wait: the loop ends once everything has returned to it.
+    QObject::connect(&window, &tremor::panel::unloaded, &application, &QCoreApplication::quit,
+                     Qt::QueuedConnection);
+    QMetaObject::invokeMethod(&window, &tremor::panel::Form_Load, Qt::QueuedConnection);
+    return QApplication::exec();
+}

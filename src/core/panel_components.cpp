@@ -1,0 +1,48 @@
+#include "core/panel_components.h"
+
+#include "core/files.h"
+#include "core/panel_widgets.h"
+
+#include <utility>
+
+namespace tremor {
+
+PanelComponents::PanelComponents(const PanelEnvironment& given, QMainWindow& window,
+                                 PanelWidgets& widgets, std::int32_t screenWidth,
+                                 std::int32_t screenHeight, std::function<void()> unloadPanel)
+    : environment(given),
+      status(widgets),
+      controls(window),
+      log(*widgets.lst_prog_log, given.clock, given.errors, given.applicationPath),
+      settingsUtilities(settings, given.errors,
+                        {given.applicationPath, screenWidth, screenHeight, given.locale}),
+      steps(widgets, *this),
+      catalogue(database, settings, given.session, controls, given.prompts, log, given.errors,
+                steps, given.applicationPath),
+      grid(database, given.session, settings, given.clock, given.locale, *widgets.gridEvents, map,
+           steps, given.prompts, given.errors, [this] { return openDB(); }),
+      probe(given.hosts.InternetProbe, given.clock, given.session),
+      network(given.clock, given.session, environment.hosts),
+      download(given.session, status, given.clock,
+               given.transfer != nullptr ? *given.transfer : network, std::move(unloadPanel)),
+      ingv({given.session, settings, environment.hosts, database, status, given.clock, log,
+            given.errors, [folder = given.applicationPath] { return GetTmpFolder(folder); }},
+           download),
+      services(given.session, settings, given.clock, log, given.errors, steps),
+      refresh(settings, given.session, given.clock, steps, given.errors),
+      scheduler(given.session, settings, given.clock, log, given.errors, steps) {
+    given.errors.setLog(&log);
+    // A long statement leaves the windows painted.
+    database.setBusyCallback([this] { environment.clock.repaint(); });
+}
+
+PanelComponents::~PanelComponents() {
+    environment.errors.setLog(nullptr);
+}
+
+bool PanelComponents::openDB() {
+    std::int32_t declined = 0;
+    return catalogue.openDB(declined);
+}
+
+} // namespace tremor

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "core/activity_log.h"
+#include "core/error_report.h"
+#include "core/hosts.h"
+#include "core/number_locale.h"
+#include "core/panel_steps.h"
+#include "core/ports.h"
+#include "core/session.h"
+#include "core/settings.h"
+#include "core/settings_utilities.h"
+#include "database/catalogue_file.h"
+#include "database/database.h"
+#include "ingest/ingv_source.h"
+#include "ingest/internet_probe.h"
+#include "ingest/panel_download.h"
+#include "ingest/polling_scheduler.h"
+#include "ingest/start_services.h"
+#include "views/events_grid.h"
+
+#include <functional>
+#include <string>
+
+namespace tremor {
+
+// What the main window is given. The references outlive it.
+struct PanelEnvironment {
+    Session& session;
+    Prompts& prompts;
+    Clock& clock;
+    ErrorReport& errors;
+    Hosts hosts;
+    std::string applicationPath; // folder of the executable, no "/" at its end
+    NumberLocale locale;
+    FileTransfer* transfer = nullptr; // null: the real network
+};
+
+// Every component behind the main window, each made with just the references that it needs.
+struct PanelComponents {
+    // `unloadPanel` closes the window; the screen is measured in twips.
+    PanelComponents(const PanelEnvironment& given, QMainWindow& window, PanelWidgets& widgets,
+                    std::int32_t screenWidth, std::int32_t screenHeight,
+                    std::function<void()> unloadPanel);
+    ~PanelComponents();
+    PanelComponents(const PanelComponents&) = delete;
+    PanelComponents& operator=(const PanelComponents&) = delete;
+
+    bool openDB();
+
+    PanelEnvironment environment;
+    AppSettings settings;
+    Database database;
+    PanelStatus status;
+    PanelControlStates controls;
+    ActivityLog log;
+    SettingsUtilities settingsUtilities;
+    WholeWorldMap map;
+    PanelSteps steps;
+    CatalogueFile catalogue;
+    EventsGrid grid;
+    InternetProbe probe;
+    HttpFileTransfer network;
+    PanelDownload download;
+    IngvSource ingv;
+    StartServices services;
+    QueryToControls refresh;
+    PollingScheduler scheduler;
+};
+
+} // namespace tremor

@@ -1,0 +1,114 @@
+#include "core/panel_steps.h"
+
+#include "core/panel_components.h"
+#include "core/panel_widgets.h"
+#include "core/qt_text.h"
+
+#include <QtGui/QAction>
+#include <QtWidgets/QGroupBox>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMainWindow>
+#include <QtWidgets/QProgressBar>
+
+#include <algorithm>
+
+namespace tremor {
+
+void PanelStatus::setStatusText(std::string_view text) {
+    widgets_.lbl_log_bkg->setText(fromBytes(text));
+}
+
+void PanelStatus::setEventsText(std::string_view text) {
+    widgets_.lbl_events->setText(fromBytes(text));
+    widgets_.lbl_events->repaint();
+}
+
+void PanelStatus::setDownloadSize(std::string_view text) {
+    widgets_.lbl_tot->setText(fromBytes(text));
+}
+
+void PanelStatus::setProgressRange(int minimum, int maximum) {
+    widgets_.prgBar->setRange(minimum, maximum);
+}
+
+void PanelStatus::setProgress(int value) {
+    QProgressBar& bar = *widgets_.prgBar;
+    bar.setValue(std::clamp(value, bar.minimum(), bar.maximum()));
+}
+
+int PanelStatus::progressMaximum() const {
+    return widgets_.prgBar->maximum();
+}
+
+void PanelControlStates::controlliForm(std::int32_t state) {
+    const ControlsChange change = controlsChange(state);
+    for (const std::string_view name : change.names) {
+        const QString objectName = fromBytes(name);
+        if (auto* control = window_.findChild<QWidget*>(objectName))
+            control->setEnabled(change.enabled);
+        else if (auto* item = window_.findChild<QAction*>(objectName))
+            item->setEnabled(change.enabled);
+    }
+}
+
+void PanelControlStates::setCaption(std::string_view caption) {
+    // Qt takes "[*]" in a title for the mark of unsaved work; doubled it stands for itself.
+    const QString mark = QStringLiteral("[*]");
+    window_.setWindowTitle(fromBytes(caption).replace(mark, mark + mark));
+}
+
+void PanelSteps::setCountdownText(std::string_view text) {
+    components_.status.setStatusText(text);
+}
+
+bool PanelSteps::IsInternetUp() {
+    return components_.probe.IsInternetUp();
+}
+
+void PanelSteps::refreshLogList() {
+    components_.log.refresh();
+}
+
+void PanelSteps::startServices() {
+    components_.services.startServices();
+}
+
+void PanelSteps::downloadCsvFromIngv() {
+    components_.ingv.downloadCsvFromIngv();
+}
+
+// The views follow each poll. Nobody counts new events, so there are none to report.
+bool PanelSteps::thereIsNewEv() {
+    components_.refresh.query2Controls();
+    return false;
+}
+
+bool PanelSteps::openDB() {
+    return components_.openDB();
+}
+
+void PanelSteps::EnableDisableWebBrowser(bool on) {
+    if (!on)
+        mapPageLoaded_ = false;
+}
+
+void PanelSteps::controlliForm(int state) {
+    components_.controls.controlliForm(state);
+}
+
+void PanelSteps::moveSaveMapsOutOfSight() {
+    QFrame& page = *widgets_.wbrSaveMaps;
+    page.move(page.x(), -2 * page.window()->height());
+}
+
+void PanelSteps::moveSaveMapsAside() {
+    QFrame& page = *widgets_.wbrSaveMaps;
+    page.move(-2 * page.window()->width(), page.y());
+}
+
+void PanelSteps::FillGridEvents(std::string_view filter, std::string_view fallbackFilter,
+                                std::string_view order) {
+    components_.grid.FillGridEvents(filter, fallbackFilter, order);
+}
+
+} // namespace tremor

@@ -1,0 +1,145 @@
+#pragma once
+
+#include "core/controls.h"
+#include "core/ports.h"
+#include "database/catalogue_file.h"
+#include "ingest/service_steps.h"
+#include "ingest/tick_steps.h"
+#include "map/query_to_controls.h"
+#include "views/grid_view.h"
+
+#include <cstdint>
+#include <string_view>
+
+class QMainWindow;
+
+namespace tremor {
+
+struct PanelComponents;
+class PanelWidgets;
+
+// The status strip of the main window.
+class PanelStatus : public StatusPanel {
+  public:
+    explicit PanelStatus(PanelWidgets& widgets) : widgets_(widgets) {}
+
+    void setStatusText(std::string_view text) override;
+    void setEventsText(std::string_view text) override;
+    void setDownloadSize(std::string_view text) override;
+    void setProgressRange(int minimum, int maximum) override;
+    void setProgress(int value) override;
+    int progressMaximum() const override;
+
+  private:
+    PanelWidgets& widgets_;
+};
+
+// The controls and menu items of the main window, found by their object names.
+class PanelControlStates : public PanelControls {
+  public:
+    explicit PanelControlStates(QMainWindow& window) : window_(window) {}
+
+    void controlliForm(std::int32_t state) override;
+    void setCaption(std::string_view caption) override;
+
+  private:
+    QMainWindow& window_;
+};
+
+// The outward steps of the subsystems that the program does not have: maps and snapshots, the
+// sources beside INGV, exports, workspaces, the chart, notifications. They do nothing, which is
+// what each of them does when it is switched off or finds no page.
+class AbsentSubsystems : public TickSteps,
+                         public ServiceSteps,
+                         public QueryToControlsSteps,
+                         public TownsReport,
+                         public DatabaseUpgrade {
+  public:
+    // Snapshots.
+    void mapsInJPGLastEvent() override {}
+    void mapsInJPGWorkspace() override {}
+    void saveAllWorkspace() override {}
+    virtual void TimerCheckScreenshot_Timer() {}
+
+    // Sources.
+    void downloadCsvFromIside() override {}
+    void downloadCsvFromUSGS() override {}
+    void downloadCsvFromEmsc() override {}
+    void ListFolder(std::string_view) override {}
+
+    // Exports and pages.
+    void exportLast24HoursCSV() override {}
+    void generaDefaultCSS() override {}
+    void Maps() override {}
+    void MapsLastEvent() override {}
+    void savingWorkspacePage() override {}
+    void webPageForKml() override {}
+    void webPageForCsv() override {}
+    virtual void setObjectHTML() {}
+
+    // Map, chart and the newest event.
+    bool mapIsLive() override { return true; }
+    void removeAll() override {}
+    void eventsInMap(std::string_view) override {}
+    void clickEventi() override {}
+    void pin2gif(std::string_view) override {}
+    void boundsVisualizedMap() override {}
+    void pictureMagnitudeEvents() override {}
+    void repaintChart() override {}
+    void positioningWbrLast() override {}
+    void lastEventInDb() override {}
+    void eventOnPOI(const SelectedEvent&) override {}
+
+    // Workspaces and notifications.
+    void popolaComboWorkspace() override {}
+    void generateMsgEmail() override {}
+    void generateMsgPagerlink() override {}
+    void generateMsgTelegram() override {}
+    bool telegramTokenValid() override { return true; }
+    std::int32_t checkIdTelegram() override { return 0; }
+
+    // An older catalogue stays as it is.
+    bool upgradeDB() override { return false; }
+};
+
+// The view of the grid on a workspace map that is not there.
+class WholeWorldMap : public GridMap {
+  public:
+    void removeAll() override {}
+    MapBounds boundsVisualizedMap() override { return {"-90", "-180", "90", "180"}; }
+    void selectMarker(std::string_view) override {}
+};
+
+// Carries the outward steps of the logic over to the components of the main window.
+class PanelSteps : public AbsentSubsystems {
+  public:
+    PanelSteps(PanelWidgets& widgets, PanelComponents& components)
+        : widgets_(widgets), components_(components) {}
+
+    void setCountdownText(std::string_view text) override;
+    bool IsInternetUp() override;
+    // True from Maps() on, until EnableDisableWebBrowser(false) navigates to "about:blank".
+    bool mapPageLoaded() override { return mapPageLoaded_; }
+    void refreshLogList() override;
+    void startServices() override;
+    void downloadCsvFromIngv() override;
+    bool thereIsNewEv() override;
+
+    bool openDB() override;
+    void EnableDisableWebBrowser(bool on) override;
+    void controlliForm(int state) override;
+    void Maps() override { mapPageLoaded_ = true; }
+    void moveSaveMapsOutOfSight() override;
+    void FillGridEvents(std::string_view filter, std::string_view fallbackFilter,
+                        std::string_view order) override;
+
+    // The page area of the snapshots goes to the left of the window's area.
+    void moveSaveMapsAside();
+
+  private:
+    PanelWidgets& widgets_;
+    PanelComponents& components_;
+    bool mapPageLoaded_ = false;
+};
+
+} // namespace tremor

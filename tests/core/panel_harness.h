@@ -1,0 +1,185 @@
+#pragma once
+
+#include "core/panel.h"
+#include "support/fakes.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QString>
+
+#include <arpa/inet.h>
+#include <fmt/format.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace tremor::testing {
+
+// A host that can be reached: a socket that listens on loopback.
+class ReachableHost {
+  public:
+    ReachableHost() : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto* generic = reinterpret_cast<sockaddr*>(&address);
+        EXPECT_EQ(::bind(socket_, generic, size), 0);
+        EXPECT_EQ(::listen(socket_, 16), 0);
+        EXPECT_EQ(::getsockname(socket_, generic, &size), 0);
+        port_ = ntohs(address.sin_port);
+    }
+    ~ReachableHost() { ::close(socket_); }
+    ReachableHost(const ReachableHost&) = delete;
+    ReachableHost& operator=(const ReachableHost&) = delete;
+
+    std::string address() const { return fmt::format("http://127.0.0.1:{}", port_); }
+
+  private:
+    int socket_;
+    int port_ = 0;
+};
+
+// Gives a document instead of fetching one.
+class DocumentTransfer : public FileTransfer {
+  public:
+    void DownloadFile(DownloadEvents& events, std::string_view url, std::string_view target,
+                      std::int32_t, bool) override {
+        urls.emplace_back(url);
+        if (meanwhile)
+            meanwhile();
+        if (document.empty()) {
+            events.DownloadError("Server error code:204.");
+            return;
+        }
+        std::ofstream(std::string(target), std::ios::binary) << document;
+        events.DownloadCompleted();
+    }
+    std::string document; // empty: the transfer fails
+    std::function<void()> meanwhile;
+    std::vector<std::string> urls;
+};
+
+// Scripted prompts that let a test look around while a question is open.
+class WatchedPrompts : public ScriptedPrompts {
+  public:
+    BoxAnswer showMessageBox(const MessageBox& box) override {
+        look();
+        return ScriptedPrompts::showMessageBox(box);
+    }
+    std::optional<std::string> showFileDialog(const FileDialogRequest& request) override {
+        look();
+        return ScriptedPrompts::showFileDialog(request);
+    }
+    std::function<void()> whileOpen;
+
+  private:
+    void look() {
+        if (whileOpen)
+            whileOpen();
+    }
+};
+
+// A main window in a folder of its own, with a clock that jumps and a scripted operator.
+class PanelHarness {
+  public:
+    PanelHarness() {
+        clock.onPump = [this] {
+            QCoreApplication::processEvents();
+            if (meanwhile)
+                meanwhile();
+        };
+        hosts.InternetProbe = host_.address();
+    }
+
+    // Lines of settings.ini, each without its end.
+    void writeSettings(const std::vector<std::string>& lines) const {
+        std::ofstream file(folder.file("settings.ini"), std::ios::binary);
+        for (const std::string& line : lines)
+            file << line << "\r\n";
+    }
+    std::string settingsFile() const {
+        std::ifstream file(folder.file("settings.ini"), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    // A catalogue with so many events of the last hours; its path.
+    std::string makeCatalogue(const std::string& name, int events) {
+        AppSettings settings;
+        Session session_;
+        RecordingControls controls;
+        RecordingLog log;
+        struct NoUpgrade : DatabaseUpgrade {
+            bool upgradeDB() override { return false; }
+        } noUpgrade;
+        Database database;
+        CatalogueFile catalogue(database, settings, session_, controls, prompts, log, errors,
+                                noUpgrade, folder.path());
+        catalogue.fillDBTables();
+        catalogue.createDatabase(name, ".sqlite", "");
+        EXPECT_EQ(database.slsOpen(settings.Path, ""), 0);
+        EXPECT_EQ(database.slsExe("BEGIN TRANSACTION;"), 0);
+        for (int i = 0; i < events; ++i)
+            EXPECT_EQ(database.slsExe(fmt::format(
+                          "INSERT INTO Events (UTC, Latitude, Longitude, Depth, Magnitude, Source) "
+                          "VALUES ('2014-03-07 {:02}:{:02}:00.000', 42.7, 13.2, 10, 2.5, 'INGV')",
+                          i / 60, i % 60)),
+                      0);
+        EXPECT_EQ(database.slsExe("COMMIT;"), 0);
+        return settings.Path;
+    }
+
+    // The window, not yet loaded.
+    panel& make() {
+        window_ = std::make_unique<panel>(PanelEnvironment{session, prompts, clock, errors, hosts,
+                                                           folder.path(), NumberLocale::point(),
+                                                           &transfer});
+        QObject::connect(window_.get(), &panel::unloaded, window_.get(), [this] { ++unloads; });
+        return *window_;
+    }
+    // The window after its start, over a catalogue of so many events, without the logo.
+    panel& start(int events) {
+        writeSettings({"Path=" + makeCatalogue("catalogue", events), "StartupLogo=1",
+                       "UsePrimaryDataSource=1", "IsideOrIngv=1", "PrimaryPollEvery=5",
+                       "AlternatePollEvery=1", "LocalPollEvery=5"});
+        make().Form_Load();
+        return *window_;
+    }
+    panel& window() { return *window_; }
+
+    template <class Control>
+    Control& control(const char* name) {
+        auto* found = window_->findChild<Control*>(QLatin1StringView(name));
+        if (found == nullptr)
+            throw std::runtime_error(std::string("no control ") + name);
+        return *found;
+    }
+    const std::vector<std::string>& log() { return window_->components().log.lines(); }
+
+    TemporaryFolder folder;
+    Session session;
+    WatchedPrompts prompts;
+    FakeClock clock;
+    ErrorReport errors{prompts, [] { throw ProcessEnded{}; }, 60, session.TicksHeld};
+    Hosts hosts;
+    DocumentTransfer transfer;
+    std::function<void()> meanwhile; // at every pump
+    int unloads = 0;
+
+  private:
+    ReachableHost host_;
+    std::unique_ptr<panel> window_;
+};
+
+inline void expectMissingDatabase(PanelHarness& harness) {
+    harness.prompts.expectBox(
+        "Database doesn't exist, select one in File->Open DataBase or create a new one",
+        "Database error...", BoxIcon::Critical, BoxButtons::Ok, BoxAnswer::Ok);
+}
+
+} // namespace tremor::testing
