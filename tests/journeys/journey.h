@@ -1,0 +1,81 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+// A fresh program folder on a virtual desktop of its own, with practice services beside it, and
+// what an operator can do and see there. Every wait has an end; a step that fails throws
+// std::runtime_error with the words of the failure, which fails the test.
+namespace tremor::journeys {
+
+// One row of the catalogue's table Events, as text.
+struct EventRow {
+    std::string utc;
+    std::string latitude;
+    std::string longitude;
+    std::string depth;
+    std::string magnitude;
+    std::string source;
+    auto operator<=>(const EventRow&) const = default;
+};
+
+class Journey {
+  public:
+    // Starts display and services and lays out the folder: the executable, its shared files, a
+    // hosts.ini that points at the services, and the given lines of settings.ini.
+    explicit Journey(const std::vector<std::string>& settingsLines);
+    ~Journey();
+    Journey(const Journey&) = delete;
+    Journey& operator=(const Journey&) = delete;
+
+    // The program.
+    void startProgram();
+    bool programRuns();
+    int waitForExit(std::chrono::seconds limit); // exit code; throws when it still runs
+    void killProgram();
+
+    // The operator's hands and eyes.
+    void waitForWindow(const std::string& title, int seconds = 30);
+    void waitForNoWindow(const std::string& title, int seconds = 30);
+    std::vector<std::string> windowTitles();
+    void key(const std::string& keys); // "alt+f c"
+    void type(const std::string& text);
+    void click(int x, int y, int button = 1);
+    void drag(int x1, int y1, int x2, int y2);
+    std::string activityLog(); // CR LF and LF as line ends
+    // Waits until the log has `count` lines that are this text (or end in it, when it begins with a
+    // blank); false after `limit`.
+    bool waitForLog(const std::string& text, int count, std::chrono::seconds limit);
+    std::string screenshot(const std::string& name); // path of the PNG
+
+    // The services.
+    std::string service(const std::string& pathAndQuery); // body of a GET, any status
+
+    // The folder.
+    std::string folder() const { return folder_ + "/program"; }
+    std::string file(const std::string& name) const { return folder() + "/" + name; }
+    std::string readFile(const std::string& name) const;
+    std::map<std::string, std::string> settings() const; // key -> value of settings.ini
+    std::vector<EventRow> events(const std::string& catalogue) const;
+    std::string queryOne(const std::string& catalogue, const std::string& sql) const;
+
+  private:
+    std::string desktop(const std::vector<std::string>& arguments);
+
+    std::string folder_;
+    std::string servicesUrl_;
+    std::string display_;
+    pid_t services_ = -1;
+    pid_t program_ = -1;
+};
+
+// The rows that the import rules make of an INGV document in FDSN text format, worked out here
+// on their own: one for each line with at least 13 fields that is no remark.
+std::vector<EventRow> rowsOfDocument(const std::string& document);
+
+} // namespace tremor::journeys
