@@ -14,6 +14,7 @@
 
 #include "bench_catalogue.h"
 #include "database/database.h"
+#include "nobody.h"
 #include "shell_reference.h"
 #include "views/events_grid.h"
 #include "views/events_grid_view.h"
@@ -41,24 +42,15 @@ constexpr int repetitions = 5;
 const std::string everything = "UTC > ''";
 
 // The grid's neighbours; a fill of a correct filter needs none of them.
-class NoNeighbours : public GridMap, public TownsReport, public Prompts, public Clock {
+class NoNeighbours : public GridMap,
+                     public TownsReport,
+                     public NobodyAnswers,
+                     public StandingClock {
   public:
     void removeAll() override { throw std::runtime_error("the filter was refused"); }
     MapBounds boundsVisualizedMap() override { return {}; }
     void selectMarker(std::string_view) override {}
     void eventOnPOI(const SelectedEvent&) override {}
-    BoxAnswer showMessageBox(const MessageBox& box) override { throw std::runtime_error(box.text); }
-    std::optional<std::string> inputBox(std::string_view, std::string_view) override { return {}; }
-    std::optional<std::string> showFileDialog(const FileDialogRequest&) override { return {}; }
-    std::string browseForFolder(std::string_view) override { return {}; }
-    ErrorAnswer showRuntimeError(std::string_view, std::string_view text, int) override {
-        throw std::runtime_error(std::string(text));
-    }
-    DateTime now() const override { return {}; }
-    std::chrono::milliseconds steady() const override { return {}; }
-    void sleep(std::chrono::milliseconds) override {}
-    void pump() override {}
-    void repaint() override {}
 };
 
 // Bytes of the process in memory.

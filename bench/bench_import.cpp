@@ -13,6 +13,7 @@
 #include "bench_catalogue.h"
 #include "database/database.h"
 #include "ingest/ingv_source.h"
+#include "nobody.h"
 #include "shell_reference.h"
 
 #include <benchmark/benchmark.h>
@@ -36,8 +37,8 @@ constexpr std::int64_t answerRows = 4000; // the limit of the service's query
 
 // The import's neighbours: nobody is there to look or to answer.
 class NoNeighbours : public StatusPanel,
-                     public Prompts,
-                     public Clock,
+                     public NobodyAnswers,
+                     public StandingClock,
                      public Log,
                      public FileTransfer {
   public:
@@ -47,18 +48,6 @@ class NoNeighbours : public StatusPanel,
     void setProgressRange(int, int maximum) override { maximum_ = maximum; }
     void setProgress(int) override {}
     int progressMaximum() const override { return maximum_; }
-    BoxAnswer showMessageBox(const MessageBox& box) override { throw std::runtime_error(box.text); }
-    std::optional<std::string> inputBox(std::string_view, std::string_view) override { return {}; }
-    std::optional<std::string> showFileDialog(const FileDialogRequest&) override { return {}; }
-    std::string browseForFolder(std::string_view) override { return {}; }
-    ErrorAnswer showRuntimeError(std::string_view, std::string_view text, int) override {
-        throw std::runtime_error(std::string(text));
-    }
-    DateTime now() const override { return {}; }
-    std::chrono::milliseconds steady() const override { return {}; }
-    void sleep(std::chrono::milliseconds) override {}
-    void pump() override {}
-    void repaint() override {}
     void addLogToList(std::string_view) override {}
     void DownloadFile(DownloadEvents&, std::string_view, std::string_view, std::int32_t,
                       bool) override {}

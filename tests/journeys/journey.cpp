@@ -250,10 +250,19 @@ bool Journey::waitForLog(const std::string& text, int count, std::chrono::second
         limit);
 }
 
-std::string Journey::screenshot(const std::string& name) {
-    const std::string path = folder_ + "/" + name + ".png";
-    desktop({"screenshot", folder_ + "/desktop", path});
-    return path;
+Rectangle Journey::geometry(const std::string& title) {
+    std::istringstream numbers(desktop({"geometry", folder_ + "/desktop", title}));
+    Rectangle rectangle;
+    numbers >> rectangle.x >> rectangle.y >> rectangle.width >> rectangle.height;
+    return rectangle;
+}
+
+void Journey::resize(const std::string& title, int width, int height) {
+    desktop({"resize", folder_ + "/desktop", title, std::to_string(width), std::to_string(height)});
+}
+
+long Journey::pixelsOfColour(const std::string& rrggbb) {
+    return std::stol(desktop({"count-colour", folder_ + "/desktop", rrggbb}));
 }
 
 std::string Journey::service(const std::string& pathAndQuery) {

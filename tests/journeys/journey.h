@@ -24,6 +24,13 @@ struct EventRow {
     auto operator<=>(const EventRow&) const = default;
 };
 
+struct Rectangle {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+};
+
 class Journey {
   public:
     // Starts display and services and lays out the folder: the executable, its shared files, a
@@ -51,7 +58,9 @@ class Journey {
     // Waits until the log has `count` lines that are this text (or end in it, when it begins with a
     // blank); false after `limit`.
     bool waitForLog(const std::string& text, int count, std::chrono::seconds limit);
-    std::string screenshot(const std::string& name); // path of the PNG
+    Rectangle geometry(const std::string& title); // inside of a window on the screen, pixels
+    void resize(const std::string& title, int width, int height);
+    long pixelsOfColour(const std::string& rrggbb); // on the whole screen
 
     // The services.
     std::string service(const std::string& pathAndQuery); // body of a GET, any status
