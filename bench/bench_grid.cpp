@@ -13,6 +13,7 @@
 //     left_B_per_row   the same after the table has been emptied again
 
 #include "bench_catalogue.h"
+#include "bench_main.h"
 #include "database/database.h"
 #include "nobody.h"
 #include "shell_reference.h"
@@ -28,9 +29,7 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <exception>
 #include <fstream>
-#include <iostream>
 #include <stdexcept>
 #include <string>
 
@@ -38,7 +37,6 @@ namespace {
 
 using namespace tremor;
 
-constexpr int repetitions = 5;
 const std::string everything = "UTC > ''";
 
 // The grid's neighbours; a fill of a correct filter needs none of them.
@@ -134,9 +132,7 @@ struct Bench {
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    try {
-        const std::int64_t rows = argc > 1 ? std::stoll(argv[1]) : 1'000'000;
+    return benchmarkMain(argc, argv, [](std::int64_t rows) {
         const BenchFolder folder;
         const std::string catalogue = folder.file("catalogue.sqlite");
         const std::string script = folder.file("select.sql");
@@ -146,16 +142,7 @@ int main(int argc, char** argv) {
                               everything + " ORDER BY UTC DESC;\n");
         runShell(catalogue, script); // the file is in the system's cache from here on
         Bench bench(catalogue, script, rows);
-        benchmark::RegisterBenchmark("FillGridEvents",
-                                     [&bench](benchmark::State& state) { bench.run(state); })
-            ->Iterations(1)
-            ->Repetitions(repetitions)
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond);
+        addBenchmark("FillGridEvents", [&](benchmark::State& state) { bench.run(state); });
         benchmark::RunSpecifiedBenchmarks();
-    } catch (const std::exception& error) {
-        std::cerr << error.what() << '\n';
-        return 1;
-    }
-    return 0;
+    });
 }

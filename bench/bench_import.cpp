@@ -11,6 +11,7 @@
 //     cpu_ratio        the same in processor time, for a machine that is busy otherwise
 
 #include "bench_catalogue.h"
+#include "bench_main.h"
 #include "database/database.h"
 #include "ingest/ingv_source.h"
 #include "nobody.h"
@@ -21,8 +22,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <exception>
-#include <iostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -32,7 +31,6 @@ namespace {
 
 using namespace tremor;
 
-constexpr int repetitions = 5;
 constexpr std::int64_t answerRows = 4000; // the limit of the service's query
 
 // The import's neighbours: nobody is there to look or to answer.
@@ -136,21 +134,10 @@ struct Bench {
 } // namespace
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    try {
-        const std::int64_t rows = argc > 1 ? std::stoll(argv[1]) : 1'000'000;
+    return benchmarkMain(argc, argv, [](std::int64_t rows) {
         const BenchFolder folder;
         Bench bench(folder, rows);
-        benchmark::RegisterBenchmark("readCsvIngv",
-                                     [&bench](benchmark::State& state) { bench.run(state); })
-            ->Iterations(1)
-            ->Repetitions(repetitions)
-            ->UseManualTime()
-            ->Unit(benchmark::kMillisecond);
+        addBenchmark("readCsvIngv", [&](benchmark::State& state) { bench.run(state); });
         benchmark::RunSpecifiedBenchmarks();
-    } catch (const std::exception& error) {
-        std::cerr << error.what() << '\n';
-        return 1;
-    }
-    return 0;
+    });
 }

@@ -13,30 +13,26 @@
 //                              goal is below 200 ms
 
 #include "bench_catalogue.h"
+#include "bench_main.h"
 #include "core/dates.h"
 #include "core/files.h"
 #include "core/panel.h"
 #include "core/qt_clock.h"
 #include "nobody.h"
 #include "shell_reference.h"
+#include "support/reachable_host.h"
 #include "views/events_grid_view.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 
-#include <arpa/inet.h>
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
-#include <exception>
-#include <iostream>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -45,34 +41,8 @@ namespace {
 
 using namespace tremor;
 
-constexpr int repetitions = 5;
 constexpr std::int64_t answerRows = 4000; // the limit of the service's query
 constexpr int recentRows = 50;            // of the last hours, in the table at the start
-
-// A reachable host for the Internet probe.
-class ListeningSocket {
-  public:
-    ListeningSocket() : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof address;
-        auto* generic = reinterpret_cast<sockaddr*>(&address);
-        if (::bind(socket_, generic, size) != 0 || ::listen(socket_, 64) != 0 ||
-            ::getsockname(socket_, generic, &size) != 0)
-            throw std::runtime_error("no socket on loopback");
-        address_ = fmt::format("http://127.0.0.1:{}", ntohs(address.sin_port));
-    }
-    ~ListeningSocket() { ::close(socket_); }
-    ListeningSocket(const ListeningSocket&) = delete;
-    ListeningSocket& operator=(const ListeningSocket&) = delete;
-
-    const std::string& address() const { return address_; }
-
-  private:
-    int socket_;
-    std::string address_;
-};
 
 // Gives the answer from memory.
 class AnswerFromMemory : public FileTransfer {
@@ -196,18 +166,9 @@ struct Bench {
     std::int64_t rows;
     std::string folder;
     Database database;
-    ListeningSocket host;
+    testing::ReachableHost host;
     AnswerFromMemory transfer;
 };
-
-template <class Run>
-void add(const char* name, Run&& run) {
-    benchmark::RegisterBenchmark(name, std::forward<Run>(run))
-        ->Iterations(1)
-        ->Repetitions(repetitions)
-        ->UseManualTime()
-        ->Unit(benchmark::kMillisecond);
-}
 
 } // namespace
 
@@ -215,16 +176,11 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
-    benchmark::Initialize(&argc, argv);
-    try {
+    return benchmarkMain(argc, argv, [](std::int64_t rows) {
         const BenchFolder folder;
-        Bench bench(folder, argc > 1 ? std::stoll(argv[1]) : 1'000'000);
-        add("StartToPaintedTable", [&](benchmark::State& state) { bench.start(state); });
-        add("LongestStall", [&](benchmark::State& state) { bench.stall(state); });
+        Bench bench(folder, rows);
+        addBenchmark("StartToPaintedTable", [&](benchmark::State& state) { bench.start(state); });
+        addBenchmark("LongestStall", [&](benchmark::State& state) { bench.stall(state); });
         benchmark::RunSpecifiedBenchmarks();
-    } catch (const std::exception& error) {
-        std::cerr << error.what() << '\n';
-        return 1;
-    }
-    return 0;
+    });
 }

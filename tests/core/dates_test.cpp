@@ -1,5 +1,6 @@
 #include "core/dates.h"
 #include "support/error_of.h"
+#include "support/time_zone.h"
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -25,29 +26,6 @@ DateTime at(int year, unsigned month, unsigned day, int hour = 0, int minute = 0
                std::chrono::year(year), std::chrono::month(month), std::chrono::day(day))) +
            std::chrono::hours(hour) + std::chrono::minutes(minute) + std::chrono::seconds(second);
 }
-
-// The process's time zone for the length of a test.
-class TimeZone {
-  public:
-    explicit TimeZone(const char* name) {
-        if (const char* const value = ::getenv("TZ"))
-            before_ = value;
-        ::setenv("TZ", name, 1);
-        ::tzset();
-    }
-    ~TimeZone() {
-        if (before_)
-            ::setenv("TZ", before_->c_str(), 1);
-        else
-            ::unsetenv("TZ");
-        ::tzset();
-    }
-    TimeZone(const TimeZone&) = delete;
-    TimeZone& operator=(const TimeZone&) = delete;
-
-  private:
-    std::optional<std::string> before_;
-};
 
 struct DateCase {
     std::string text;
@@ -230,7 +208,7 @@ TEST(BuildUtcRangeBounds, GivesTheSameRangeInAnotherForm) {
 
 TEST(Dates, KnowNoTimeZoneAndNoSummerTime) {
     for (const char* zone : {"UTC", "Europe/Rome", "CET-1CEST,M3.5.0,M10.5.0/3", "JST-9"}) {
-        const TimeZone guard(zone);
+        const testing::TimeZone guard(zone);
         EXPECT_EQ(BuildUtcRangeBounds(at(2014, 3, 30, 12), 24),
                   "2014-03-29 12:00:00|2014-03-30 12:00:00");
         // An hour that the clocks of central Europe leave out.

@@ -2,15 +2,12 @@
 
 #include "core/panel.h"
 #include "support/fakes.h"
+#include "support/reachable_host.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QString>
 
-#include <arpa/inet.h>
 #include <fmt/format.h>
-#include <netinet/in.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <fstream>
 #include <functional>
@@ -19,31 +16,6 @@
 #include <vector>
 
 namespace tremor::testing {
-
-// A host that can be reached: a socket that listens on loopback.
-class ReachableHost {
-  public:
-    ReachableHost() : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof address;
-        auto* generic = reinterpret_cast<sockaddr*>(&address);
-        EXPECT_EQ(::bind(socket_, generic, size), 0);
-        EXPECT_EQ(::listen(socket_, 16), 0);
-        EXPECT_EQ(::getsockname(socket_, generic, &size), 0);
-        port_ = ntohs(address.sin_port);
-    }
-    ~ReachableHost() { ::close(socket_); }
-    ReachableHost(const ReachableHost&) = delete;
-    ReachableHost& operator=(const ReachableHost&) = delete;
-
-    std::string address() const { return fmt::format("http://127.0.0.1:{}", port_); }
-
-  private:
-    int socket_;
-    int port_ = 0;
-};
 
 // Gives a document instead of fetching one.
 class DocumentTransfer : public FileTransfer {

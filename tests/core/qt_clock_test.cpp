@@ -1,4 +1,5 @@
 #include "core/qt_clock.h"
+#include "support/time_zone.h"
 
 #include <QtCore/QSocketNotifier>
 #include <QtCore/QTimer>
@@ -90,31 +91,8 @@ class WaitingSocket {
     std::optional<QSocketNotifier> notifier_;
 };
 
-// The time zone of the process for the length of a test.
-class TimeZone {
-  public:
-    explicit TimeZone(const char* zone) {
-        if (const char* old = ::getenv("TZ"))
-            old_ = old;
-        ::setenv("TZ", zone, 1);
-        ::tzset();
-    }
-    ~TimeZone() {
-        if (old_)
-            ::setenv("TZ", old_->c_str(), 1);
-        else
-            ::unsetenv("TZ");
-        ::tzset();
-    }
-    TimeZone(const TimeZone&) = delete;
-    TimeZone& operator=(const TimeZone&) = delete;
-
-  private:
-    std::optional<std::string> old_;
-};
-
 TEST_F(QtClockTest, GivesTheLocalCivilTime) {
-    const TimeZone kathmandu("NPT-5:45");
+    const testing::TimeZone kathmandu("NPT-5:45");
     const auto universal = std::chrono::seconds(::time(nullptr));
     const auto ahead = clock.now().time_since_epoch() - universal;
     EXPECT_GE(ahead, std::chrono::minutes(345));
@@ -122,7 +100,7 @@ TEST_F(QtClockTest, GivesTheLocalCivilTime) {
 }
 
 TEST_F(QtClockTest, GivesTheLocalCivilTimeWestOfGreenwich) {
-    const TimeZone newfoundland("NST3:30");
+    const testing::TimeZone newfoundland("NST3:30");
     const auto universal = std::chrono::seconds(::time(nullptr));
     const auto ahead = clock.now().time_since_epoch() - universal;
     EXPECT_GE(ahead, -std::chrono::minutes(210));

@@ -20,7 +20,7 @@ using testing::Texts;
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr std::size_t largeFile = 10'000'000;    // bytes
-constexpr std::size_t spareMemory = 150'000'000; // the sanitizer keeps what has been freed
+constexpr std::size_t spareMemory = 400'000'000; // the sanitizer keeps 256 MiB of freed memory
 #else
 constexpr std::size_t largeFile = 100'000'000; // bytes
 constexpr std::size_t spareMemory = 50'000'000;

@@ -30,24 +30,50 @@ class ScriptedPrompts : public Prompts {
 
     void expectBox(std::string text, std::string title, BoxIcon icon, BoxButtons buttons,
                    BoxAnswer answer) {
-        script_.push_back({Kind::Box, std::move(text), std::move(title), icon, buttons, answer,
-                           ErrorAnswer::Ignore, true, {}});
+        script_.push_back({Kind::Box,
+                           std::move(text),
+                           std::move(title),
+                           icon,
+                           buttons,
+                           answer,
+                           ErrorAnswer::Ignore,
+                           true,
+                           {}});
     }
     // The typed text, or nothing for Cancel.
     void expectInput(std::string prompt, std::optional<std::string> typed) {
-        script_.push_back({Kind::Input, std::move(prompt), {}, BoxIcon::None, BoxButtons::Ok,
-                           BoxAnswer::Ok, ErrorAnswer::Ignore, typed.has_value(),
+        script_.push_back({Kind::Input,
+                           std::move(prompt),
+                           {},
+                           BoxIcon::None,
+                           BoxButtons::Ok,
+                           BoxAnswer::Ok,
+                           ErrorAnswer::Ignore,
+                           typed.has_value(),
                            typed.value_or("")});
     }
     void expectFileDialog(std::string title, std::optional<std::string> chosen) {
-        script_.push_back({Kind::File, {}, std::move(title), BoxIcon::None, BoxButtons::Ok,
-                           BoxAnswer::Ok, ErrorAnswer::Ignore, chosen.has_value(),
+        script_.push_back({Kind::File,
+                           {},
+                           std::move(title),
+                           BoxIcon::None,
+                           BoxButtons::Ok,
+                           BoxAnswer::Ok,
+                           ErrorAnswer::Ignore,
+                           chosen.has_value(),
                            chosen.value_or("")});
     }
     // `part` must occur in the report.
     void expectRuntimeError(std::string part, ErrorAnswer answer) {
-        script_.push_back({Kind::Error, std::move(part), {}, BoxIcon::None, BoxButtons::Ok,
-                           BoxAnswer::Ok, answer, true, {}});
+        script_.push_back({Kind::Error,
+                           std::move(part),
+                           {},
+                           BoxIcon::None,
+                           BoxButtons::Ok,
+                           BoxAnswer::Ok,
+                           answer,
+                           true,
+                           {}});
     }
 
     BoxAnswer showMessageBox(const MessageBox& box) override {
@@ -105,8 +131,15 @@ class ScriptedPrompts : public Prompts {
     Expected next(Kind kind, std::string_view what) {
         if (script_.empty() || script_.front().kind != kind) {
             ADD_FAILURE() << "unexpected question: " << what << "\nexpected: " << nextExpected();
-            return {kind, std::string(what), {}, BoxIcon::None, BoxButtons::Ok, BoxAnswer::Cancel,
-                    ErrorAnswer::Ignore, false, {}};
+            return {kind,
+                    std::string(what),
+                    {},
+                    BoxIcon::None,
+                    BoxButtons::Ok,
+                    BoxAnswer::Cancel,
+                    ErrorAnswer::Ignore,
+                    false,
+                    {}};
         }
         Expected e = std::move(script_.front());
         script_.pop_front();

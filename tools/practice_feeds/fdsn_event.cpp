@@ -1,5 +1,7 @@
 #include "practice_feeds/fdsn_event.h"
 
+#include "core/common_text.h"
+
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
@@ -46,17 +48,6 @@ std::optional<std::chrono::microseconds> takeFraction(std::string_view text) {
     if (!takeNumber(rest, 6, value))
         return std::nullopt;
     return std::chrono::microseconds(value);
-}
-
-std::vector<std::string_view> split(std::string_view text, char separator) {
-    std::vector<std::string_view> parts;
-    for (;;) {
-        const std::size_t end = text.find(separator);
-        parts.push_back(text.substr(0, end));
-        if (end == std::string_view::npos)
-            return parts;
-        text.remove_prefix(end + 1);
-    }
 }
 
 double number(std::string_view text) {
