@@ -16,8 +16,8 @@ using namespace std::chrono_literals;
 constexpr auto callbackInterval = 30ms;
 constexpr auto busyPause = 5ms;
 
-// About 50 µs of work between two looks at the clock.
-constexpr int instructionsBetweenTicks = 2000;
+// About half a millisecond of work between two looks at the clock: more often costs noticeable time.
+constexpr int instructionsBetweenTicks = 20000;
 
 } // namespace
 
