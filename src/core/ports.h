@@ -100,9 +100,9 @@ class StatusPanel {
   public:
     virtual ~StatusPanel() = default;
 
-    virtual void setStatusText(std::string_view text) = 0;     // lbl_log_bkg
-    virtual void setEventsText(std::string_view text) = 0;     // lbl_events, repainted at once
-    virtual void setDownloadSize(std::string_view text) = 0;   // lbl_tot
+    virtual void setStatusText(std::string_view text) = 0;   // lbl_log_bkg
+    virtual void setEventsText(std::string_view text) = 0;   // lbl_events, repainted at once
+    virtual void setDownloadSize(std::string_view text) = 0; // lbl_tot
     virtual void setProgressRange(int minimum, int maximum) = 0;
     virtual void setProgress(int value) = 0; // held to the range
     virtual int progressMaximum() const = 0;
