@@ -16,7 +16,8 @@ using namespace std::chrono_literals;
 constexpr auto callbackInterval = 30ms;
 constexpr auto busyPause = 5ms;
 
-// About half a millisecond of work between two looks at the clock: more often costs noticeable time.
+// About half a millisecond of work between two looks at the clock: more often costs noticeable
+// time.
 constexpr int instructionsBetweenTicks = 20000;
 
 } // namespace

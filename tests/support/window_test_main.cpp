@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <QApplication>
+
+#include <gtest/gtest.h>
 
 // Window tests run without a screen; the platform is chosen by QT_QPA_PLATFORM.
 int main(int argc, char** argv) {
