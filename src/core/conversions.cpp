@@ -171,6 +171,12 @@ double textToDouble(std::string_view text, const NumberLocale& locale) {
     return converted.value;
 }
 
+double coordinateToDouble(std::string_view text) {
+    NumberLocale ungrouped = NumberLocale::point();
+    ungrouped.groupMark.clear();
+    return textToDouble(CommaToDot(text), ungrouped);
+}
+
 std::int32_t textToLong(std::string_view text, const NumberLocale& locale) {
     return doubleToLong(textToDouble(text, locale));
 }

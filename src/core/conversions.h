@@ -17,7 +17,11 @@ namespace tremor {
 // and one too small for it is 0.
 double textToDouble(std::string_view text, const NumberLocale& locale);
 
-// The same rounded half to even; error 6 (Overflow) outside the 32-bit or 16-bit range.
+// Text of a coordinate to a 64-bit float: both "." and "," are the decimal mark and no mark groups
+// digits, under every locale. Everything else and the errors as in textToDouble.
+double coordinateToDouble(std::string_view text);
+
+// textToDouble rounded half to even; error 6 (Overflow) outside the 32-bit or 16-bit range.
 std::int32_t textToLong(std::string_view text, const NumberLocale& locale);
 std::int16_t textToInteger(std::string_view text, const NumberLocale& locale);
 

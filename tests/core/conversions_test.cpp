@@ -161,6 +161,19 @@ TEST(TextToDouble, IgnoresTheLocaleOfTheProcess) {
     std::setlocale(LC_ALL, before.c_str());
 }
 
+TEST(CoordinateToDouble, ReadsEitherDecimalMark) {
+    EXPECT_EQ(coordinateToDouble("42.7"), 42.7);
+    EXPECT_EQ(coordinateToDouble("42,7"), 42.7);
+    EXPECT_EQ(coordinateToDouble(" -13,23 "), -13.23);
+    EXPECT_EQ(coordinateToDouble("8,99321605918731E-02"), 0.0899321605918731);
+    EXPECT_EQ(coordinateToDouble("180"), 180);
+}
+
+TEST(CoordinateToDouble, KnowsNoGroupMark) {
+    for (const char* text : {"1.234,5", "1,234.5", "1,234,567", "", "north"})
+        EXPECT_EQ(errorOf([&] { coordinateToDouble(text); }), ErrorNumber::TypeMismatch) << text;
+}
+
 TEST(TextToLong, RoundsHalvesToTheEvenNeighbour) {
     const std::vector<TextCase> cases = {{"0.5", 0},   {"1.5", 2},  {"2.5", 2},   {"-0.5", 0},
                                          {"-1.5", -2}, {"2.51", 3}, {"-2.5", -2}, {"1E3", 1000}};
