@@ -16,6 +16,9 @@ PanelComponents::PanelComponents(const PanelEnvironment& given, QMainWindow& win
       log(*widgets.lst_prog_log, given.clock, given.errors, given.applicationPath),
       settingsUtilities(settings, given.errors,
                         {given.applicationPath, screenWidth, screenHeight, given.locale}),
+      earth(given.locale, given.errors),
+      townsList(widgets),
+      towns(database, given.locale, earth, townsList, given.errors),
       steps(widgets, *this),
       catalogue(database, settings, given.session, controls, given.prompts, log, given.errors,
                 steps, given.applicationPath),
@@ -25,9 +28,9 @@ PanelComponents::PanelComponents(const PanelEnvironment& given, QMainWindow& win
       network(given.clock, given.session, environment.hosts),
       download(given.session, status, given.clock,
                given.transfer != nullptr ? *given.transfer : network, std::move(unloadPanel)),
-      ingv({given.session, settings, environment.hosts, database, status, given.clock, log,
-            given.errors, [folder = given.applicationPath] { return GetTmpFolder(folder); }},
-           download),
+      ingv(feedContext(), download),
+      usgs(feedContext(), download, given.locale),
+      emsc(feedContext(), download),
       services(given.session, settings, given.clock, log, given.errors, steps),
       refresh(settings, given.session, given.clock, steps, given.errors),
       scheduler(given.session, settings, given.clock, log, given.errors, steps) {
@@ -38,6 +41,18 @@ PanelComponents::PanelComponents(const PanelEnvironment& given, QMainWindow& win
 
 PanelComponents::~PanelComponents() {
     environment.errors.setLog(nullptr);
+}
+
+FeedContext PanelComponents::feedContext() {
+    return {environment.session,
+            settings,
+            environment.hosts,
+            database,
+            status,
+            environment.clock,
+            log,
+            environment.errors,
+            [folder = environment.applicationPath] { return GetTmpFolder(folder); }};
 }
 
 bool PanelComponents::openDB() {

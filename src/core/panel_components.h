@@ -11,11 +11,13 @@
 #include "core/settings_utilities.h"
 #include "database/catalogue_file.h"
 #include "database/database.h"
+#include "ingest/emsc_source.h"
 #include "ingest/ingv_source.h"
 #include "ingest/internet_probe.h"
 #include "ingest/panel_download.h"
 #include "ingest/polling_scheduler.h"
 #include "ingest/start_services.h"
+#include "ingest/usgs_source.h"
 #include "views/events_grid.h"
 
 #include <functional>
@@ -47,6 +49,8 @@ struct PanelComponents {
 
     bool openDB();
 
+    FeedContext feedContext(); // what each source of events works with
+
     PanelEnvironment environment;
     AppSettings settings;
     Database database;
@@ -55,6 +59,9 @@ struct PanelComponents {
     ActivityLog log;
     SettingsUtilities settingsUtilities;
     WholeWorldMap map;
+    PanelEarth earth;
+    PanelTowns townsList;
+    NearbyTowns towns;
     PanelSteps steps;
     CatalogueFile catalogue;
     EventsGrid grid;
@@ -62,6 +69,8 @@ struct PanelComponents {
     HttpFileTransfer network;
     PanelDownload download;
     IngvSource ingv;
+    UsgsSource usgs;
+    EmscSource emsc;
     StartServices services;
     QueryToControls refresh;
     PollingScheduler scheduler;

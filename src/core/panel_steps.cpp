@@ -7,6 +7,7 @@
 #include <QtGui/QAction>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QListWidget>
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QProgressBar>
 
@@ -57,6 +58,14 @@ void PanelControlStates::setCaption(std::string_view caption) {
     window_.setWindowTitle(fromBytes(caption).replace(mark, mark + mark));
 }
 
+void PanelTowns::clear() {
+    widgets_.List1->clear();
+}
+
+void PanelTowns::add(std::string_view item) {
+    widgets_.List1->addItem(fromBytes(item));
+}
+
 void PanelSteps::setCountdownText(std::string_view text) {
     components_.status.setStatusText(text);
 }
@@ -77,10 +86,24 @@ void PanelSteps::downloadCsvFromIngv() {
     components_.ingv.downloadCsvFromIngv();
 }
 
+void PanelSteps::downloadCsvFromUSGS() {
+    components_.usgs.downloadCsvFromUSGS();
+}
+
+void PanelSteps::downloadCsvFromEmsc() {
+    components_.emsc.downloadCsvFromEmsc();
+}
+
 // The views follow each poll. Nobody counts new events, so there are none to report.
 bool PanelSteps::thereIsNewEv() {
     components_.refresh.query2Controls();
     return false;
+}
+
+// The report itself is of the selected event, not of the newest one: only its list is shown.
+void PanelSteps::eventOnPOI(const SelectedEvent& event) {
+    std::string report;
+    components_.towns.eventOnPOI(event.latitude, event.longitude, report);
 }
 
 bool PanelSteps::openDB() {

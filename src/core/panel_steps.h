@@ -1,5 +1,6 @@
 #pragma once
 
+#include "alerts/nearby_towns.h"
 #include "core/controls.h"
 #include "core/ports.h"
 #include "database/catalogue_file.h"
@@ -7,8 +8,10 @@
 #include "ingest/tick_steps.h"
 #include "map/query_to_controls.h"
 #include "views/grid_view.h"
+#include "workspaces/haversine_formula.h"
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 class QMainWindow;
@@ -47,8 +50,8 @@ class PanelControlStates : public PanelControls {
 };
 
 // The outward steps of the subsystems that the program does not have: maps and snapshots, the
-// sources beside INGV, exports, workspaces, the chart, notifications. They do nothing, which is
-// what each of them does when it is switched off or finds no page.
+// other sources, exports, workspaces, the chart, notifications. They do nothing, which is what each
+// of them does when it is switched off or finds no page.
 class AbsentSubsystems : public TickSteps,
                          public ServiceSteps,
                          public QueryToControlsSteps,
@@ -63,8 +66,6 @@ class AbsentSubsystems : public TickSteps,
 
     // Sources.
     void downloadCsvFromIside() override {}
-    void downloadCsvFromUSGS() override {}
-    void downloadCsvFromEmsc() override {}
     void ListFolder(std::string_view) override {}
 
     // Exports and pages.
@@ -88,7 +89,6 @@ class AbsentSubsystems : public TickSteps,
     void repaintChart() override {}
     void positioningWbrLast() override {}
     void lastEventInDb() override {}
-    void eventOnPOI(const SelectedEvent&) override {}
 
     // Workspaces and notifications.
     void popolaComboWorkspace() override {}
@@ -100,6 +100,36 @@ class AbsentSubsystems : public TickSteps,
 
     // An older catalogue stays as it is.
     bool upgradeDB() override { return false; }
+};
+
+// The geometry of the earth for the nearby towns.
+class PanelEarth : public EarthRoutines {
+  public:
+    PanelEarth(const NumberLocale& locale, ErrorReport& errors) : haversine_(locale, errors) {}
+
+    double distance(std::string_view lat1, std::string_view lon1, std::string_view lat2,
+                    std::string_view lon2, std::string_view unit) const override {
+        return haversine_.distance(lat1, lon1, lat2, lon2, unit);
+    }
+    std::string revealBounds(double lat, double lon, std::string_view bearing,
+                             double distanceKm) const override {
+        return haversine_.revealBounds(lat, lon, bearing, distanceKm);
+    }
+
+  private:
+    HaversineFormula haversine_;
+};
+
+// The list of towns in the main window.
+class PanelTowns : public TownsList {
+  public:
+    explicit PanelTowns(PanelWidgets& widgets) : widgets_(widgets) {}
+
+    void clear() override;
+    void add(std::string_view item) override;
+
+  private:
+    PanelWidgets& widgets_;
 };
 
 // The view of the grid on a workspace map that is not there.
@@ -123,7 +153,10 @@ class PanelSteps : public AbsentSubsystems {
     void refreshLogList() override;
     void startServices() override;
     void downloadCsvFromIngv() override;
+    void downloadCsvFromUSGS() override;
+    void downloadCsvFromEmsc() override;
     bool thereIsNewEv() override;
+    void eventOnPOI(const SelectedEvent& event) override;
 
     bool openDB() override;
     void EnableDisableWebBrowser(bool on) override;

@@ -1,8 +1,6 @@
 #include "ingest/ingv_source.h"
 
-#include "core/common_text.h"
-#include "core/dates.h"
-#include "core/files.h"
+#include "ingest/feed_fetch.h"
 
 #include <fmt/format.h>
 
@@ -15,6 +13,8 @@ namespace tremor {
 namespace {
 
 constexpr std::string_view module = "Form - panel";
+constexpr std::string_view name = "INGV";
+constexpr std::string_view eventsFile = "eventsINGV.csv";
 
 constexpr std::ptrdiff_t minimumBars = 12;
 constexpr std::size_t fieldsUsed = 11;
@@ -35,11 +35,6 @@ std::array<std::string_view, fieldsUsed> firstFields(std::string_view line) {
 
 bool isEventLine(std::string_view line) {
     return !line.starts_with('#') && std::count(line.begin(), line.end(), '|') >= minimumBars;
-}
-
-// The first ten characters, "YYYY-MM-DD".
-std::string_view dateOf(std::string_view bound) {
-    return trimLeft(bound).substr(0, 10);
 }
 
 } // namespace
@@ -80,50 +75,22 @@ std::vector<ImportRecord> parseIngvEvents(std::string& text) {
 IngvSource::IngvSource(FeedContext context, PanelDownload& download)
     : context_(std::move(context)), download_(download) {}
 
-std::string IngvSource::eventsFile() const {
-    return context_.temporaryFolder() + "eventsINGV.csv";
-}
-
 void IngvSource::downloadCsvFromIngv() {
     ProcedureTrace trace(context_.errors, module, "downloadCsvFromIngv");
-    Session& session = context_.session;
-    session.PrimaryBusy = true;
-    context_.status.setProgressRange(0, 100);
-    std::string target;
-    trace.step([&] { target = eventsFile(); });
-    std::string bounds;
-    trace.step([&] {
-        bounds = BuildUtcRangeBounds(context_.clock.now(), context_.settings.PrimaryLastNHours);
-    });
-    const std::vector<std::string_view> ends = split(bounds, '|');
-    context_.status.setStatusText("Syncing from INGV...");
-    const std::string url =
-        context_.hosts.Ingv + ingvQuery(dateOf(ends.front()), dateOf(ends.back()));
-
-    bool fetched = false;
-    trace.step([&] { fetched = download_.fetch(url, target); });
-    if (fetched) {
-        readCsvIngv();
-        context_.status.setStatusText("INGV Synchronized");
-    } else if (!session.waitsMustEnd()) {
-        context_.log.addLogToList("INGV Synchronization failed");
-    }
-    // A closing program keeps both, so that no further source starts.
-    if (session.waitsMustEnd())
-        return;
-    session.WaitCounter = 0;
-    session.PrimaryBusy = false;
+    const auto url = [&](std::string_view start, std::string_view end) {
+        return context_.hosts.Ingv + ingvQuery(start, end);
+    };
+    fetchFeed({name, eventsFile, context_.session.PrimaryBusy, context_.settings.PrimaryLastNHours,
+               true, url, [&] { readCsvIngv(); }},
+              trace, context_, download_);
 }
 
 void IngvSource::readCsvIngv() {
     ProcedureTrace trace(context_.errors, module, "readCsvIngv");
     std::string text;
-    trace.step([&] { text = readWholeFile(eventsFile()); });
-    const std::size_t lines = countLines(text);
-    if (lines < 2) {
-        context_.log.addLogToList("Impossible connect to INGV source, try later.");
+    if (!readFeedText(context_, name, eventsFile, trace, text))
         return;
-    }
+    const std::size_t lines = countLines(text);
     std::vector<ImportRecord> records;
     trace.step([&] { records = parseIngvEvents(text); });
     trace.step([&] { importRecords(records, lines, FeedReader::Ingv, context_); });

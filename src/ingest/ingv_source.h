@@ -38,8 +38,6 @@ class IngvSource {
     void readCsvIngv();
 
   private:
-    std::string eventsFile() const;
-
     FeedContext context_;
     PanelDownload& download_;
 };

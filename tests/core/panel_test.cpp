@@ -11,6 +11,7 @@
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QListWidget>
 #include <QtWidgets/QScrollBar>
 
 #include <gtest/gtest.h>
@@ -529,6 +530,25 @@ TEST(PanelPoll, CollectDataFetchesAtTheNextTickAndTheGridShowsTheEvents) {
     EXPECT_EQ(grid.cell(1, 1), "2014-03-07 08:30:00.200"); // newest first
     EXPECT_EQ(harness.control<QLabel>("lbl_log_bkg").text(), QStringLiteral("INGV Synchronized"));
     EXPECT_TRUE(window.isVisible());
+}
+
+TEST(PanelGrid, AChosenRowListsTheTownsNearIt) {
+    PanelHarness harness;
+    harness.start(2); // at 42.7 N, 13.2 E
+    Database& database = harness.window().components().database;
+    for (const char* town :
+         {"('Borgo', '42.71', '13.21', 'IT')", "('Far', '45.0', '9.0', 'IT')",
+          "('Forl\xC3\xAC', '42.75', '13.2', 'IT')", "('Last', '42.7', '13.2', 'IT')"})
+        ASSERT_EQ(database.slsExe(std::string("insert into Cities values ") + town), 0);
+    harness.control<GridEvents>("GridEvents").gridClicked(1, 1);
+    const auto& list = harness.control<QListWidget>("List1");
+    QStringList items;
+    for (int i = 0; i < list.count(); ++i)
+        items += list.item(i)->text();
+    const QString all = items.join(QLatin1Char('\n'));
+    EXPECT_TRUE(all.contains(QStringLiteral("Borgo"))) << all.toStdString();
+    EXPECT_TRUE(all.contains(QStringLiteral("Forlì"))) << all.toStdString();
+    EXPECT_FALSE(all.contains(QStringLiteral("Far"))) << all.toStdString();
 }
 
 TEST(PanelPoll, ClosingDuringADownloadEndsItsWait) {

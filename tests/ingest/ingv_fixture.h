@@ -1,14 +1,11 @@
 #pragma once
 
-#include "ingest/import_fixture.h"
+#include "ingest/feed_fixture.h"
 #include "ingest/ingv_source.h"
-#include "ingest/scripted_transfer.h"
 
 namespace tremor::testing {
 
-using Texts = std::vector<std::string>;
-
-class IngvFixture : public ImportFixture {
+class IngvFixture : public FeedFixture {
   protected:
     std::string target() const { return folder.file("eventsINGV.csv"); }
 
@@ -18,9 +15,6 @@ class IngvFixture : public ImportFixture {
         source.readCsvIngv();
     }
 
-    ScriptedTransfer transfer;
-    int unloads = 0;
-    PanelDownload download{session, status, clock, transfer, [this] { ++unloads; }};
     IngvSource source{context, download};
 };
 

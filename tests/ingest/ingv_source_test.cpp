@@ -28,18 +28,6 @@ class IngvSource : public testing::IngvFixture {
     }
 
     Texts storedRows() { return rows("select UTC, Source from Events order by rowid"); }
-
-    void servesDocument(const std::string& document) {
-        transfer.course = [document](DownloadEvents& events, std::string_view path) {
-            testing::writeText(std::string(path), document);
-            events.DownloadCompleted();
-        };
-    }
-    void fails() {
-        transfer.course = [](DownloadEvents& events, std::string_view) {
-            events.DownloadError("Can't open requested file.");
-        };
-    }
 };
 
 class IngvDownload : public IngvSource {};

@@ -1,0 +1,14 @@
+// Any bytes as the QuakeML of the USGS: through the parser and the whole import.
+#include "import_frame.h"
+#include "ingest/usgs_source.h"
+
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace tremor;
+    std::string document(reinterpret_cast<const char*>(data), size);
+    const ParsedFeed feed = parseUsgsEvents(document, NumberLocale::comma());
+    fuzzing::CheckingStatus::require(feed.records.size() + feed.incomplete <= countLines(document));
+    fuzzing::importTwice(feed.records, countLines(document), FeedReader::Usgs);
+    return 0;
+}
