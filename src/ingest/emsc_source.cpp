@@ -133,7 +133,7 @@ class SpreadItem {
         if (line.find(itemEnd) == std::string_view::npos)
             return;
         open_ = false;
-        addItem(index_, feed.keep(std::move(text_)), feed);
+        addItem(index_, feed.keep(std::exchange(text_, {})), feed);
     }
 
   private:
