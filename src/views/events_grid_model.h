@@ -42,7 +42,9 @@ class EventsGridModel : public QAbstractTableModel {
     void repaintRow(int row);
 
     ResultSet rows_;
-    std::array<std::string, columns> headers_;
+    // Until the first query names its columns, so that an empty table is not without heads.
+    std::array<std::string, columns> headers_{"",   "UTC",   "Latitude", "Longitude",
+                                              "Mg", "Depth", "Source"};
     int colouredRow_ = -1;
 };
 

@@ -4,7 +4,6 @@
 #include <fmt/format.h>
 
 #include <ctime>
-#include <random>
 
 namespace tremor {
 namespace {
@@ -280,11 +279,7 @@ TEST_F(EmscSource, LosesOnlyTheRowsWithApostrophesAndZeroBytes) {
 }
 
 TEST_F(EmscSource, GetsThroughARandomBinary) {
-    std::mt19937 random(20210114); // NOLINT(cert-msc32-c,cert-msc51-cpp): repeatable on purpose
-    std::string bytes(300000, '\0');
-    for (char& byte : bytes)
-        byte = static_cast<char>(random());
-    read(bytes + "\n" + itemLine());
+    read(testing::randomBytes() + "\n" + itemLine());
     EXPECT_EQ(storedTimes(), Texts{"2020-12-30 21:14:43.000"});
 }
 

@@ -4,6 +4,7 @@
 #include "ingest/panel_download.h"
 #include "ingest/scripted_transfer.h"
 
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,6 +29,15 @@ inline std::string filled(std::string_view pattern) {
     while (text.size() < length)
         text += pattern;
     return text;
+}
+
+// The same bytes at every run.
+inline std::string randomBytes() {
+    std::mt19937 random(20210114); // NOLINT(cert-msc32-c,cert-msc51-cpp): repeatable on purpose
+    std::string bytes(300000, '\0');
+    for (char& byte : bytes)
+        byte = static_cast<char>(random());
+    return bytes;
 }
 
 // A source's download with a transfer that the test tells.

@@ -7,8 +7,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <random>
-
 namespace tremor {
 namespace {
 
@@ -113,11 +111,7 @@ TEST_F(MalformedIngvDocument, OfBarsOnlyImportsNothing) {
 }
 
 TEST_F(MalformedIngvDocument, OfARandomBinaryImportsNothingThatIsStored) {
-    std::mt19937 random(20210114); // NOLINT(cert-msc32-c,cert-msc51-cpp): repeatable on purpose
-    std::string bytes(300000, '\0');
-    for (char& byte : bytes)
-        byte = static_cast<char>(random());
-    read(bytes);
+    read(testing::randomBytes());
     EXPECT_EQ(rows("select Source from Events where UTC = 'kept'"), Texts{"INGV"});
     EXPECT_FALSE(session.ImportInProgress);
 }

@@ -4,7 +4,6 @@
 #include <fmt/format.h>
 
 #include <ctime>
-#include <random>
 
 namespace tremor {
 namespace {
@@ -244,11 +243,7 @@ TEST_F(UsgsSource, LosesOnlyTheRowsWithApostrophesAndZeroBytes) {
 }
 
 TEST_F(UsgsSource, GetsThroughARandomBinary) {
-    std::mt19937 random(20210114); // NOLINT(cert-msc32-c,cert-msc51-cpp): repeatable on purpose
-    std::string bytes(300000, '\0');
-    for (char& byte : bytes)
-        byte = static_cast<char>(random());
-    read(bytes + "\n" + eventLine(time1));
+    read(testing::randomBytes() + "\n" + eventLine(time1));
     EXPECT_EQ(storedTimes(), Texts{"2021-01-14 05:45:26.600"});
 }
 

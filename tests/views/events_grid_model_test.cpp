@@ -91,6 +91,13 @@ TEST_F(EventsGridModelTest, LosesTheColourWithItsRows) {
     EXPECT_FALSE(model.data(model.index(0, 1), Qt::BackgroundRole).isValid());
 }
 
+TEST_F(EventsGridModelTest, HasHeadersBeforeTheFirstQuery) {
+    EXPECT_EQ(model.header(0), "");
+    EXPECT_EQ(model.header(1), "UTC");
+    EXPECT_EQ(model.header(4), "Mg");
+    EXPECT_EQ(model.header(6), "Source");
+}
+
 TEST_F(EventsGridModelTest, KeepsHeadersWithTheirTrailingBlank) {
     model.setHeader(4, "Mg ");
     EXPECT_EQ(model.header(4), "Mg ");
