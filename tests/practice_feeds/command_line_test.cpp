@@ -17,18 +17,22 @@ TEST(PracticeCommandLine, HasItsDefaults) {
     EXPECT_EQ(line.server.catalogue.seed, 1u);
     EXPECT_FALSE(line.server.catalogue.fixed);
     EXPECT_EQ(line.hostsIniFile, "");
+    EXPECT_EQ(line.server.seisCompFolder, "");
+    EXPECT_EQ(line.server.livelocFolder, "");
     EXPECT_FALSE(line.help);
 }
 
 TEST(PracticeCommandLine, ReadsEveryOption) {
-    const CommandLine line =
-        parseCommandLine({"--port", "8080", "--data", "d", "--every", "90", "--speed", "4",
-                          "--seed", "7", "--fixed", "--hosts-ini", "h.ini"});
+    const CommandLine line = parseCommandLine(
+        {"--port", "8080", "--data", "d", "--every", "90", "--speed", "4", "--seed", "7", "--fixed",
+         "--hosts-ini", "h.ini", "--seiscomp", "s", "--liveloc", "l"});
     EXPECT_EQ(line.server.port, 8080);
     EXPECT_EQ(line.server.catalogue.every, 22500ms);
     EXPECT_EQ(line.server.catalogue.seed, 7u);
     EXPECT_TRUE(line.server.catalogue.fixed);
     EXPECT_EQ(line.hostsIniFile, "h.ini");
+    EXPECT_EQ(line.server.seisCompFolder, "s");
+    EXPECT_EQ(line.server.livelocFolder, "l");
     EXPECT_TRUE(parseCommandLine({"--help"}).help);
 }
 
@@ -45,6 +49,8 @@ TEST(PracticeCommandLine, RefusesWhatItDoesNotUnderstand) {
         {"--data", "d", "--speed", "0"},
         {"--data", "d", "--seed", "1.5"},
         {"--data", "d", "--unknown"},
+        {"--data", "d", "--seiscomp"},
+        {"--data", "d", "--liveloc"},
         {"documents"},
     };
     for (const auto& words : wrong)
@@ -54,7 +60,8 @@ TEST(PracticeCommandLine, RefusesWhatItDoesNotUnderstand) {
 
 TEST(PracticeCommandLine, NamesEveryOptionInItsHelp) {
     for (const std::string_view option :
-         {"--data", "--port", "--every", "--speed", "--seed", "--fixed", "--hosts-ini", "--help"})
+         {"--data", "--port", "--every", "--speed", "--seed", "--fixed", "--seiscomp", "--liveloc",
+          "--hosts-ini", "--help"})
         EXPECT_NE(helpText().find(option), std::string_view::npos) << option;
 }
 

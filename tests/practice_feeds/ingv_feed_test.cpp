@@ -28,7 +28,7 @@ class IngvFeedTest : public ::testing::Test {
     }
 
     UtcTime now = recentDocument().events.back().time + 5min;
-    IngvFeed feed{{recentDocument(), laterDocument(), {}, [this] { return now; }}, false};
+    IngvFeed feed{{recentDocument(), drawFrom(laterDocument()), {}, [this] { return now; }}, false};
 };
 
 TEST_F(IngvFeedTest, AnswersTheProgramsOwnRequestWithTheDocumentAsTheServiceGaveIt) {
@@ -119,7 +119,7 @@ TEST_F(IngvFeedTest, AnswersABadValueWithStatus400AndNamesIt) {
 
 TEST_F(IngvFeedTest, ServesAnAddedEventAtOnceAndADueOneInTime) {
     const std::size_t before = events({}).size();
-    const std::string added = feed.addEvent();
+    const std::string added = feed.addEvent({});
     EXPECT_EQ(events({}).size(), before + 1);
     EXPECT_EQ(events({{"limit", "1"}})[0].line(), added);
     now += 180s;
@@ -130,7 +130,8 @@ TEST_F(IngvFeedTest, ServesAnAddedEventAtOnceAndADueOneInTime) {
 TEST_F(IngvFeedTest, AnswersTheWholeDocumentToAnyGoodRequestWhenFixed) {
     CatalogueOptions options;
     options.fixed = true;
-    IngvFeed fixed({recentDocument(), laterDocument(), options, [this] { return now; }}, true);
+    IngvFeed fixed({recentDocument(), drawFrom(laterDocument()), options, [this] { return now; }},
+                   true);
     const Answer answer =
         fixed.answer({"/fdsnws/event/1/query", {{"format", "text"}, {"minmag", "9"}}});
     EXPECT_EQ(answer.status, 200);

@@ -6,14 +6,21 @@
 
 #include <fstream>
 #include <iterator>
+#include <regex>
+#include <sstream>
 #include <string>
+#include <vector>
 
 namespace tremor::practice {
 
-inline std::string readTestDocument(const std::string& name) {
-    std::ifstream stream(TREMOR_TEST_DATA "/ingv/" + name, std::ios::binary);
-    EXPECT_TRUE(stream) << name;
+inline std::string fileText(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    EXPECT_TRUE(stream) << path;
     return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+inline std::string readTestDocument(const std::string& name) {
+    return fileText(TREMOR_TEST_DATA "/ingv/" + name);
 }
 
 inline std::string recentText() {
@@ -32,6 +39,29 @@ inline UtcTime at(const std::string& text) {
     const auto time = parseUtc(text);
     EXPECT_TRUE(time.has_value()) << text;
     return time.value_or(UtcTime());
+}
+
+// The tags of an XML text in their order, "time", "value", "/value" ..., with the names of their
+// attributes: "origin catalog:datasource publicID".
+inline std::vector<std::string> tagsOf(const std::string& xml) {
+    static const std::regex tag("<(/?[A-Za-z:]+)([^>]*)>");
+    static const std::regex attribute(" ([A-Za-z:]+)=");
+    std::vector<std::string> tags;
+    for (std::sregex_iterator it(xml.begin(), xml.end(), tag), end; it != end; ++it) {
+        tags.push_back((*it)[1]);
+        const std::string attributes = (*it)[2];
+        for (std::sregex_iterator a(attributes.begin(), attributes.end(), attribute); a != end; ++a)
+            tags.back() += " " + (*a)[1].str();
+    }
+    return tags;
+}
+
+inline std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
 }
 
 } // namespace tremor::practice

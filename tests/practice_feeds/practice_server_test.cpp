@@ -1,5 +1,7 @@
 #include "core/hosts.h"
+#include "ingest/emsc_source.h"
 #include "ingest/internet_probe.h"
+#include "ingest/usgs_source.h"
 #include "practice_feeds/practice_documents.h"
 #include "practice_feeds/practice_server.h"
 #include "support/download_fixture.h"
@@ -7,6 +9,7 @@
 #include <httplib.h>
 
 #include <chrono>
+#include <filesystem>
 #include <ostream>
 #include <stdexcept>
 #include <thread>
@@ -136,7 +139,9 @@ TEST_F(PracticeServerTest, LogsRequestsButNoControls) {
     downloadEvents();
     get("/");
     get("/practice/served");
-    EXPECT_EQ(get("/practice/log"), "GET /fdsnws/event/1/query?format=text&limit=4000\nGET /\n");
+    get("/unknown?a=1", 404);
+    EXPECT_EQ(get("/practice/log"),
+              "GET /fdsnws/event/1/query?format=text&limit=4000\nGET /\nGET /unknown?a=1\n");
 }
 
 TEST_F(PracticeServerTest, AnswersTheProbeAndNothingItDoesNotKnow) {
@@ -148,9 +153,10 @@ TEST_F(PracticeServerTest, AnswersTheProbeAndNothingItDoesNotKnow) {
 
 TEST_F(PracticeServerTest, WritesAHostsFileThatTheProgramUnderstands) {
     const Hosts hosts = parseHosts(server.hostsIni());
-    for (const std::string& address : {hosts.InternetProbe, hosts.Ingv, hosts.Usgs, hosts.Emsc,
-                                       hosts.Iside, hosts.Telegram, hosts.GeoNames})
+    for (const std::string& address :
+         {hosts.InternetProbe, hosts.Ingv, hosts.Emsc, hosts.Iside, hosts.Telegram, hosts.GeoNames})
         EXPECT_EQ(address, server.url());
+    EXPECT_EQ(hosts.Usgs, server.url() + "/usgs");
     EXPECT_EQ(hosts.StaticMap, "embedded");
 }
 
@@ -171,6 +177,88 @@ TEST_F(PracticeServerTest, MovesTheCatalogueIntoTheProgramsWindowUnlessFixed) {
     EXPECT_LT(document.events.size(), 60u);
     EXPECT_GT(document.events.back().time, now - 10min);
     EXPECT_GE(document.events.front().time, at(start));
+}
+
+TEST_F(PracticeServerTest, ServesTheAlternateSourcesAtTheProgramsOwnRequests) {
+    const Hosts hosts = parseHosts(server.hostsIni());
+    const auto now =
+        std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
+    const auto day = [&](std::chrono::hours age) { return formatUtc(now - age).substr(0, 10); };
+    download(hosts.Usgs + usgsQuery(day(24h), day(0h)));
+    ASSERT_EQ(events.last(), "completed");
+    EXPECT_GE(parseUsgsEvents(contentOf(target), NumberLocale::point()).records.size(), 20u);
+    events.calls.clear();
+    download(hosts.Emsc + std::string(emscQuery));
+    ASSERT_EQ(events.last(), "completed");
+    EXPECT_EQ(parseEmscEvents(contentOf(target)).records.size(), 50u);
+    EXPECT_EQ(get("/practice/last"), contentOf(target));
+}
+
+TEST_F(PracticeServerTest, SpoilsTheAlternateSourcesAsWell) {
+    const Hosts hosts = parseHosts(server.hostsIni());
+    for (const std::string& url : {hosts.Usgs + usgsQuery("2020-01-01", "2040-01-01"),
+                                   hosts.Emsc + std::string(emscQuery)}) {
+        get("/practice/fault?kind=cut&count=1");
+        events.calls.clear();
+        download(url);
+        EXPECT_EQ(events.last(), brokenDownload) << url;
+        download(url);
+        EXPECT_EQ(events.last(), "completed") << url;
+    }
+}
+
+TEST_F(PracticeServerTest, AddsAnEventToTheNamedService) {
+    const std::string usgsBefore = get("/practice/served?source=usgs");
+    const std::string line = get("/practice/add?source=usgs&age=1440");
+    EXPECT_TRUE(line.starts_with("<event catalog:datasource=\"us\"")) << line;
+    EXPECT_EQ(usgsBefore.find(line), std::string::npos);
+    EXPECT_NE(get("/practice/served?source=usgs").find(line), std::string::npos);
+    const std::string item = get("/practice/add?source=emsc");
+    EXPECT_TRUE(item.starts_with("<item>")) << item;
+    EXPECT_NE(get("/service/rss/rss.php?typ=emsc").find(item), std::string::npos);
+    EXPECT_EQ(get("/practice/served"), recentText());
+}
+
+TEST_F(PracticeServerTest, RefusesSourcesAndAgesThatItDoesNotKnow) {
+    for (const char* path :
+         {"/practice/add?source=", "/practice/add?source=isc", "/practice/add?source=seiscomp",
+          "/practice/add?source=liveloc", "/practice/add?age=", "/practice/add?age=-5",
+          "/practice/add?age=long", "/practice/served?source=seiscomp", "/practice/relocate"})
+        get(path, 400);
+}
+
+// Waits until the folder holds more than `before` entries at any depth; the present number.
+std::size_t growth(const std::string& path, std::size_t before) {
+    const auto count = [&] {
+        return static_cast<std::size_t>(
+            std::distance(std::filesystem::recursive_directory_iterator(path), {}));
+    };
+    for (int i = 0; i < 500 && count() <= before; ++i)
+        std::this_thread::sleep_for(10ms);
+    return count();
+}
+
+TEST_F(PracticeServerTest, FillsTheFoldersOfTheLocalLocatorsAndNothingBesideThem) {
+    ServerOptions options = fixedOptions();
+    options.catalogue.fixed = false;
+    options.catalogue.every = 1500ms;
+    options.seisCompFolder = folder.file("local/seiscomp");
+    options.livelocFolder = folder.file("local/liveloc");
+    const PracticeServer living(options);
+    httplib::Client control("127.0.0.1", living.port());
+    for (const char* source : {"seiscomp", "liveloc"}) {
+        const auto added = control.Post(std::string("/practice/add?source=") + source);
+        ASSERT_TRUE(added);
+        const std::string file = added->body.substr(0, added->body.size() - 1);
+        EXPECT_TRUE(std::filesystem::exists(file)) << file;
+        const std::string path = folder.file(std::string("local/") + source);
+        const std::size_t before = growth(path, 0);
+        EXPECT_GT(growth(path, before), before) << source;
+    }
+    const auto relocated = control.Get("/practice/relocate");
+    ASSERT_TRUE(relocated);
+    EXPECT_TRUE(relocated->body.ends_with("/last\n")) << relocated->body;
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.file("local")), {}), 2);
 }
 
 TEST_F(PracticeServerTest, EndsAtOnceWhileARequestIsStalled) {

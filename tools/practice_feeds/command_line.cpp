@@ -49,6 +49,10 @@ CommandLine parseCommandLine(const std::vector<std::string_view>& words) {
             speed = numberOf(option, value(), 0.001, 1e6);
         else if (option == "--seed")
             line.server.catalogue.seed = numberOf<std::uint32_t>(option, value(), 0, UINT32_MAX);
+        else if (option == "--seiscomp")
+            line.server.seisCompFolder = value();
+        else if (option == "--liveloc")
+            line.server.livelocFolder = value();
         else if (option == "--hosts-ini")
             line.hostsIniFile = value();
         else
@@ -71,19 +75,26 @@ Stands in for the remote services on 127.0.0.1 until it gets SIGTERM or SIGINT.
   --every SECONDS    time between two new events; 180 by default, 0 for none
   --speed X          new events come X times as often; 1 by default
   --seed N           decides the sequence of new events; 1 by default
-  --fixed            serve the document byte for byte and whole, whatever a request selects;
-                     no new events but those of /practice/add
+  --fixed            serve INGV's document byte for byte and whole, whatever a request selects;
+                     no new events anywhere but those of /practice/add
+  --seiscomp FOLDER  write events there as SeisComP does: evNNNN/last
+  --liveloc FOLDER   write events there as a locator with a SEISAN database does
   --hosts-ini FILE   write a hosts.ini that points the program here
   --help             this text
 
 Services:
   /fdsnws/event/1/query                 INGV, text format
+  /usgs/fdsnws/event/1/query            USGS, QuakeML
+  /service/rss/rss.php                  EMSC, RSS
   /                                     200, for the Internet probe
 Control, by GET or POST:
   /practice/fault?kind=KIND[&count=N]   404, 204, 500, cut, stall, garbage, slow or none,
                                         for the next N requests or for all
-  /practice/add                         one new event now
-  /practice/served                      the whole current catalogue
+  /practice/add[?source=NAME][&age=MINUTES]
+                                        one new event now, or one of that origin that comes late;
+                                        ingv (the default), usgs, emsc, seiscomp or liveloc
+  /practice/relocate                    another solution for SeisComP's newest event
+  /practice/served[?source=NAME]        the whole current catalogue of a service
   /practice/last                        the last document given without a fault
   /practice/log                         the requests received so far
 )";

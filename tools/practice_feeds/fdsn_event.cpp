@@ -58,21 +58,10 @@ double number(std::string_view text) {
     return value;
 }
 
-FdsnEvent parseLine(std::string_view line) {
-    const std::vector<std::string_view> fields = split(line, '|');
-    if (fields.size() != fieldCount)
-        throw std::runtime_error(fmt::format("{} fields, not {}", fields.size(), fieldCount));
-    const std::optional<UtcTime> time = parseUtc(fields[1]);
-    if (!time)
-        throw std::runtime_error(fmt::format("\"{}\" is no time", fields[1]));
-    FdsnEvent event;
-    event.id = fields[0];
-    event.time = *time;
-    event.latitude = number(fields[2]);
-    event.longitude = number(fields[3]);
-    event.magnitude = number(fields[10]);
-    event.rest = line.substr(fields[0].size() + 1 + fields[1].size());
-    return event;
+// A field of the line by its index in the header.
+std::string_view fieldOf(const FdsnEvent& event, std::size_t index) {
+    constexpr std::size_t fieldsBeforeRest = 1; // its leading "|" makes an empty one more
+    return split(event.rest, '|')[index - fieldsBeforeRest];
 }
 
 } // namespace
@@ -107,8 +96,12 @@ std::optional<UtcTime> parseUtc(std::string_view text) {
 std::string formatUtc(UtcTime time) {
     using namespace std::chrono;
     const auto second = floor<seconds>(time);
-    return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:06}", fmt::gmtime(second.time_since_epoch().count()),
-                       (time - second).count());
+    return fmt::format("{:%Y-%m-%dT%H:%M:%S}.{:06}", calendarTime(time), (time - second).count());
+}
+
+std::tm calendarTime(UtcTime time) {
+    const auto second = std::chrono::floor<std::chrono::seconds>(time);
+    return fmt::gmtime(second.time_since_epoch().count());
 }
 
 std::string FdsnEvent::line() const {
@@ -120,6 +113,35 @@ std::string FdsnDocument::text() const {
     for (const FdsnEvent& event : events)
         text += event.line() + "\n";
     return text;
+}
+
+FdsnEvent parseFdsnEvent(std::string_view line) {
+    const std::vector<std::string_view> fields = split(line, '|');
+    if (fields.size() != fieldCount)
+        throw std::runtime_error(fmt::format("{} fields, not {}", fields.size(), fieldCount));
+    const std::optional<UtcTime> time = parseUtc(fields[1]);
+    if (!time)
+        throw std::runtime_error(fmt::format("\"{}\" is no time", fields[1]));
+    FdsnEvent event;
+    event.id = fields[0];
+    event.time = *time;
+    event.latitude = number(fields[2]);
+    event.longitude = number(fields[3]);
+    event.magnitude = number(fields[10]);
+    event.rest = line.substr(fields[0].size() + 1 + fields[1].size());
+    return event;
+}
+
+double FdsnEvent::depth() const {
+    return number(fieldOf(*this, 4));
+}
+
+std::string_view FdsnEvent::magnitudeType() const {
+    return fieldOf(*this, 9);
+}
+
+std::string_view FdsnEvent::place() const {
+    return fieldOf(*this, 12);
 }
 
 FdsnDocument parseFdsnDocument(std::string_view text) {
@@ -134,7 +156,7 @@ FdsnDocument parseFdsnDocument(std::string_view text) {
             continue;
         }
         try {
-            document.events.push_back(parseLine(line));
+            document.events.push_back(parseFdsnEvent(line));
         } catch (const std::runtime_error& error) {
             throw std::runtime_error(fmt::format("line {}: {}", lineNumber, error.what()));
         }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <ctime>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -19,6 +20,9 @@ std::optional<UtcTime> parseUtc(std::string_view text);
 // "2026-06-15T03:00:06.430000"
 std::string formatUtc(UtcTime time);
 
+// Whole seconds as fmt writes dates, UTC.
+std::tm calendarTime(UtcTime time);
+
 // One line, for example
 // "46224912|2026-06-15T03:00:06.430000|38.9802|15.3048|268.5|SURVEY-INGV||||ML|3.3|--|Tirreno
 // Meridionale [Mare]|earthquake".
@@ -31,7 +35,15 @@ struct FdsnEvent {
     std::string rest; // everything behind the time, from its "|" on, byte for byte
 
     std::string line() const; // without a line feed
+
+    // Fields by their place in the line.
+    double depth() const;                   // km
+    std::string_view magnitudeType() const; // "ML"
+    std::string_view place() const;         // "Tirreno Meridionale [Mare]"
 };
+
+// Throws std::runtime_error for what is no such line.
+FdsnEvent parseFdsnEvent(std::string_view line);
 
 // A whole document: the "#" line and its events in the order of the file.
 struct FdsnDocument {

@@ -1,26 +1,14 @@
 #include "practice_feeds/command_line.h"
 #include "practice_feeds/practice_server.h"
+#include "practice_feeds/whole_file.h"
 
 #include <fmt/format.h>
 #include <signal.h>
 
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <stdexcept>
 
 namespace {
-
-// Whoever waits for the file never sees half of it.
-void writeHostsIni(const std::string& file, const std::string& text) {
-    const std::string unfinished = file + ".tmp";
-    std::ofstream stream(unfinished, std::ios::binary | std::ios::trunc);
-    stream << text;
-    stream.close();
-    if (!stream)
-        throw std::runtime_error("cannot write " + file);
-    std::filesystem::rename(unfinished, file);
-}
 
 void serveUntilSignal(const tremor::practice::CommandLine& line) {
     // Blocked before the server starts its threads, so that none of them takes the signal.
@@ -32,7 +20,7 @@ void serveUntilSignal(const tremor::practice::CommandLine& line) {
 
     const tremor::practice::PracticeServer server(line.server);
     if (!line.hostsIniFile.empty())
-        writeHostsIni(line.hostsIniFile, server.hostsIni());
+        tremor::practice::writeWholeFile(line.hostsIniFile, server.hostsIni());
     fmt::print("practice feeds on {}\n", server.url());
     std::fflush(stdout);
     int signalNumber = 0;

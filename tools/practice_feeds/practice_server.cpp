@@ -1,27 +1,46 @@
 #include "practice_feeds/practice_server.h"
 
+#include "practice_feeds/emsc_feed.h"
+#include "practice_feeds/epicentres.h"
 #include "practice_feeds/fault_plan.h"
 #include "practice_feeds/faulty_answer.h"
 #include "practice_feeds/ingv_feed.h"
+#include "practice_feeds/liveloc_folder.h"
+#include "practice_feeds/seiscomp_folder.h"
+#include "practice_feeds/usgs_feed.h"
 
 #include <fmt/format.h>
 #include <httplib.h>
 
+#include <algorithm>
 #include <atomic>
 #include <charconv>
 #include <fstream>
 #include <iterator>
 #include <mutex>
+#include <optional>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 namespace tremor::practice {
 
 namespace {
 
+using namespace std::chrono_literals;
+
+// How often folders are looked after.
+constexpr auto tick = 200ms;
+
+struct HostKey {
+    const char* key;
+    std::string_view path; // behind the address of the server
+};
+
 // Keys of hosts.ini that may point here.
-constexpr const char* hostKeys[] = {"InternetProbe", "Ingv",     "Usgs",    "Emsc",
-                                    "Iside",         "Telegram", "GeoNames"};
+constexpr HostKey hostKeys[] = {{"InternetProbe", ""}, {"Ingv", ""},  {"Usgs", UsgsFeed::prefix},
+                                {"Emsc", ""},          {"Iside", ""}, {"Telegram", ""},
+                                {"GeoNames", ""}};
 
 UtcTime systemNow() {
     return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
@@ -39,10 +58,38 @@ FdsnDocument readDocument(const std::string& path) {
     }
 }
 
-IngvCatalogue readCatalogue(const ServerOptions& options) {
+GrowingCatalogue ingvCatalogue(const ServerOptions& options) {
     const std::string folder = options.dataFolder + "/ingv/";
     return {readDocument(folder + "ingv_2026-06-15_2026-06-29.txt"),
-            readDocument(folder + "derived_laquila_2009-04-06.txt"), options.catalogue, systemNow};
+            drawFrom(readDocument(folder + "derived_laquila_2009-04-06.txt")), options.catalogue,
+            systemNow};
+}
+
+// The program asks the USGS for whole days that are over, so there must be some.
+GrowingCatalogue usgsCatalogue(const ServerOptions& options) {
+    return madeUpCatalogue(worldReporting(), 240, 240h, options.catalogue, systemNow);
+}
+
+GrowingCatalogue emscCatalogue(const ServerOptions& options) {
+    return madeUpCatalogue(euroMediterraneanReporting(), 60, 24h, options.catalogue, systemNow);
+}
+
+GrowingCatalogue localCatalogue(const ServerOptions& options) {
+    return madeUpCatalogue(localReporting(), 3, 6h, options.catalogue, systemNow);
+}
+
+std::optional<int> wholeNumber(const std::string& text) {
+    int number = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stop != end || number < 0)
+        return std::nullopt;
+    return number;
+}
+
+void refuse(httplib::Response& response, const std::string& reason) {
+    response.status = 400;
+    response.set_content(reason + "\n", "text/plain");
 }
 
 Request serviceRequest(const httplib::Request& received) {
@@ -69,9 +116,29 @@ class PracticeServer::Impl {
     void addControls();
     void log(const httplib::Request& request);
     void switchFault(const httplib::Request& request, httplib::Response& response);
+    void addEvent(const httplib::Request& request, httplib::Response& response);
+    void lookAfterFolders();
+
+    // The service or locator that a control request names; nothing (null) for another name.
+    template <class Source>
+    static Source* named(const std::vector<Source*>& sources, const httplib::Request& request) {
+        const std::string name =
+            request.has_param("source") ? request.get_param_value("source") : "ingv";
+        const auto found = std::find_if(sources.begin(), sources.end(), [&](const Source* source) {
+            return source->name() == name;
+        });
+        return found == sources.end() ? nullptr : *found;
+    }
 
     FaultPlan faults_;
     IngvFeed ingv_;
+    UsgsFeed usgs_;
+    EmscFeed emsc_;
+    std::unique_ptr<SeisCompFolder> seisComp_;
+    std::unique_ptr<LivelocFolder> liveloc_;
+    std::vector<PracticeService*> services_{&ingv_, &usgs_, &emsc_};
+    std::vector<LocalLocator*> locators_;
+    std::vector<EventSource*> sources_{&ingv_, &usgs_, &emsc_};
     std::atomic<bool> ending_ = false;
     std::mutex mutex_; // of the two below
     std::string log_;
@@ -79,12 +146,30 @@ class PracticeServer::Impl {
     httplib::Server server_;
     int port_ = 0;
     std::thread thread_;
+    std::thread folderThread_;
 };
 
 PracticeServer::Impl::Impl(const ServerOptions& options)
-    : ingv_(readCatalogue(options), options.catalogue.fixed) {
-    serve(ingv_);
+    : ingv_(ingvCatalogue(options), options.catalogue.fixed),
+      usgs_(usgsCatalogue(options)),
+      emsc_(emscCatalogue(options)) {
+    if (!options.seisCompFolder.empty()) {
+        seisComp_ =
+            std::make_unique<SeisCompFolder>(options.seisCompFolder, localCatalogue(options));
+        locators_.push_back(seisComp_.get());
+    }
+    if (!options.livelocFolder.empty()) {
+        liveloc_ = std::make_unique<LivelocFolder>(options.livelocFolder, localCatalogue(options));
+        locators_.push_back(liveloc_.get());
+    }
+    sources_.insert(sources_.end(), locators_.begin(), locators_.end());
+    for (PracticeService* service : services_)
+        serve(*service);
     addControls();
+    server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response&) {
+        log(request);
+        return httplib::Server::HandlerResponse::Unhandled;
+    });
     // The library's own choice would let a second process share the port unnoticed.
     server_.set_socket_options([](socket_t socket) {
         const int on = 1;
@@ -98,6 +183,8 @@ PracticeServer::Impl::Impl(const ServerOptions& options)
     if (port_ <= 0)
         throw std::runtime_error(fmt::format("cannot listen on {}:{}", host, options.port));
     thread_ = std::thread([this] { server_.listen_after_bind(); });
+    if (!locators_.empty())
+        folderThread_ = std::thread([this] { lookAfterFolders(); });
     while (!server_.is_running())
         std::this_thread::yield();
 }
@@ -106,9 +193,26 @@ PracticeServer::Impl::~Impl() {
     ending_ = true;
     server_.stop();
     thread_.join();
+    if (folderThread_.joinable())
+        folderThread_.join();
+}
+
+// A folder that cannot be written for a while is no reason to end.
+void PracticeServer::Impl::lookAfterFolders() {
+    for (; !ending_; std::this_thread::sleep_for(tick)) {
+        for (LocalLocator* locator : locators_) {
+            try {
+                locator->advance();
+            } catch (const std::exception& error) {
+                fmt::print(stderr, "practice_feeds: {}\n", error.what());
+            }
+        }
+    }
 }
 
 void PracticeServer::Impl::log(const httplib::Request& request) {
+    if (request.path.starts_with("/practice/"))
+        return;
     const std::lock_guard lock(mutex_);
     log_ += request.method + " " + request.target + "\n";
 }
@@ -117,7 +221,6 @@ void PracticeServer::Impl::serve(PracticeService& service) {
     for (const std::string& path : service.paths())
         server_.Get(
             path, [this, &service](const httplib::Request& received, httplib::Response& response) {
-                log(received);
                 const Fault fault = faults_.take();
                 const Answer answer = service.answer(serviceRequest(received));
                 if (fault == Fault::None) {
@@ -135,20 +238,29 @@ void PracticeServer::Impl::control(const std::string& path, const Handler& handl
 
 void PracticeServer::Impl::addControls() {
     const std::string text = "text/plain;charset=UTF-8";
-    server_.Get("/", [this](const httplib::Request& request, httplib::Response& response) {
-        log(request);
+    server_.Get("/", [](const httplib::Request&, httplib::Response& response) {
         response.set_content("practice feeds\n", "text/plain");
     });
     control("/practice/fault",
             [this](const httplib::Request& request, httplib::Response& response) {
                 switchFault(request, response);
             });
-    control("/practice/add", [this, text](const httplib::Request&, httplib::Response& response) {
-        response.set_content(ingv_.addEvent() + "\n", text);
+    control("/practice/add", [this](const httplib::Request& request, httplib::Response& response) {
+        addEvent(request, response);
     });
-    control("/practice/served", [this, text](const httplib::Request&, httplib::Response& response) {
-        response.set_content(ingv_.served(), text);
-    });
+    control("/practice/relocate",
+            [this, text](const httplib::Request&, httplib::Response& response) {
+                if (!seisComp_)
+                    return refuse(response, "no folder of SeisComP is written");
+                response.set_content(seisComp_->relocateLatest() + "\n", text);
+            });
+    control("/practice/served",
+            [this, text](const httplib::Request& request, httplib::Response& response) {
+                PracticeService* service = named(services_, request);
+                if (service == nullptr)
+                    return refuse(response, "source is ingv, usgs or emsc");
+                response.set_content(service->served(), text);
+            });
     control("/practice/last", [this, text](const httplib::Request&, httplib::Response& response) {
         const std::lock_guard lock(mutex_);
         response.set_content(last_, text);
@@ -162,20 +274,31 @@ void PracticeServer::Impl::addControls() {
 void PracticeServer::Impl::switchFault(const httplib::Request& request,
                                        httplib::Response& response) {
     const std::optional<Fault> fault = faultFromText(request.get_param_value("kind"));
-    const std::string countText =
-        request.has_param("count") ? request.get_param_value("count") : "0";
-    int count = 0;
-    const char* end = countText.data() + countText.size();
-    const auto [stop, error] = std::from_chars(countText.data(), end, count);
-    if (!fault || error != std::errc() || stop != end || count < 0) {
-        response.status = 400;
-        response.set_content("kind is 404, 204, 500, cut, stall, garbage, slow or none; "
-                             "count is a number from 1 on, or 0 for all requests\n",
-                             "text/plain");
-        return;
-    }
-    faults_.set(*fault, count);
+    const std::optional<int> count =
+        wholeNumber(request.has_param("count") ? request.get_param_value("count") : "0");
+    if (!fault || !count)
+        return refuse(response, "kind is 404, 204, 500, cut, stall, garbage, slow or none; "
+                                "count is a number from 1 on, or 0 for all requests");
+    faults_.set(*fault, *count);
     response.set_content("ok\n", "text/plain");
+}
+
+void PracticeServer::Impl::addEvent(const httplib::Request& request, httplib::Response& response) {
+    EventSource* source = named(sources_, request);
+    EventAge age;
+    if (request.has_param("age")) {
+        const std::optional<int> minutes = wholeNumber(request.get_param_value("age"));
+        if (!minutes)
+            return refuse(response, "age is a number of minutes");
+        age = std::chrono::minutes(*minutes);
+    }
+    if (source == nullptr)
+        return refuse(response, "source is ingv, usgs, emsc, or a locator whose folder is written: "
+                                "seiscomp, liveloc");
+    std::string added = source->addEvent(age);
+    if (!added.ends_with('\n'))
+        added += '\n';
+    response.set_content(added, "text/plain;charset=UTF-8");
 }
 
 PracticeServer::PracticeServer(const ServerOptions& options)
@@ -193,8 +316,8 @@ std::string PracticeServer::url() const {
 
 std::string PracticeServer::hostsIni() const {
     std::string text = "[HOSTS]\n";
-    for (const char* key : hostKeys)
-        text += fmt::format("{}={}\n", key, url());
+    for (const auto& [key, path] : hostKeys)
+        text += fmt::format("{}={}{}\n", key, url(), path);
     return text;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "practice_feeds/ingv_catalogue.h"
+#include "practice_feeds/growing_catalogue.h"
 
 #include <functional>
 #include <memory>
@@ -12,15 +12,20 @@ struct ServerOptions {
     int port = 0;           // 0: any free one
     std::string dataFolder; // holds ingv/…
     CatalogueOptions catalogue;
+    std::string seisCompFolder; // where events are written as SeisComP does; empty: nowhere
+    std::string livelocFolder;  // where S-files are written; empty: nowhere
 };
 
 // Stands in for the remote services on 127.0.0.1. Beside the services it answers
 //   /                                          200: the Internet can be reached
 //   /practice/fault?kind=KIND[&count=N]        the next N requests, or all, meet the fault
-//   /practice/add                              adds one event now; answers its line
-//   /practice/served                           the whole current catalogue
+//   /practice/add[?source=NAME][&age=MINUTES]  adds one event now, to INGV when no other source
+//                                              is named; answers its line or the written file
+//   /practice/relocate                         another solution for SeisComP's latest event
+//   /practice/served[?source=NAME]             the whole current catalogue of a service
 //   /practice/last                             the last document given without a fault
-//   /practice/log                              "GET target" of each request so far, one a line
+//   /practice/log                              "GET target" of each request so far, answered or
+//   not, one a line
 // by GET and POST alike. Control requests meet no faults and stand in no log.
 class PracticeServer {
   public:

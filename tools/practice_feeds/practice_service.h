@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,14 +28,34 @@ struct Answer {
     std::string contentType = "text/plain;charset=UTF-8";
 };
 
-// One remote service that the practice server stands in for. Calls come from several threads.
-class PracticeService {
-  public:
-    virtual ~PracticeService() = default;
+// Age of an event when it comes out; nothing: a new one, the newest of all.
+using EventAge = std::optional<std::chrono::minutes>;
 
+// Whatever has events. Calls come from several threads.
+class EventSource {
+  public:
+    virtual ~EventSource() = default;
+
+    virtual std::string_view name() const = 0; // "usgs", as control requests call it
+    // Adds one event now; returns its line, or the file that was written.
+    virtual std::string addEvent(EventAge age) = 0;
+};
+
+// One remote service that the practice server stands in for.
+class PracticeService : public EventSource {
+  public:
     // The paths that the service answers, each exactly.
     virtual std::vector<std::string> paths() const = 0;
     virtual Answer answer(const Request& request) = 0;
+    // The whole catalogue at this moment.
+    virtual std::string served() = 0;
+};
+
+// A program on this machine that locates events and leaves its findings in a folder.
+class LocalLocator : public EventSource {
+  public:
+    // Writes what has come due.
+    virtual void advance() = 0;
 };
 
 } // namespace tremor::practice
