@@ -34,24 +34,14 @@ using namespace tremor;
 constexpr std::int64_t answerRows = 4000; // the limit of the service's query
 
 // The import's neighbours: nobody is there to look or to answer.
-class NoNeighbours : public StatusPanel,
+class NoNeighbours : public UnseenStatus,
                      public NobodyAnswers,
                      public StandingClock,
-                     public Log,
+                     public LastMessage,
                      public FileTransfer {
   public:
-    void setStatusText(std::string_view) override {}
-    void setEventsText(std::string_view) override {}
-    void setDownloadSize(std::string_view) override {}
-    void setProgressRange(int, int maximum) override { maximum_ = maximum; }
-    void setProgress(int) override {}
-    int progressMaximum() const override { return maximum_; }
-    void addLogToList(std::string_view) override {}
     void DownloadFile(DownloadEvents&, std::string_view, std::string_view, std::int32_t,
                       bool) override {}
-
-  private:
-    int maximum_ = 100;
 };
 
 // The duplicate query and the import for the shell; writes the rows to `rowsFile`.

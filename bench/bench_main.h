@@ -23,12 +23,13 @@ void addBenchmark(const char* name, Run&& run) {
         ->Unit(benchmark::kMillisecond);
 }
 
-// Runs a benchmark program over a catalogue of so many rows: the first word of the command line,
-// 1,000,000 without one. The exit code; 1 with a line on the error stream after an exception.
-inline int benchmarkMain(int argc, char** argv, const std::function<void(std::int64_t)>& body) {
+// Runs a benchmark program over so many rows: the first word of the command line, `defaultRows`
+// without one. The exit code; 1 with a line on the error stream after an exception.
+inline int benchmarkMain(int argc, char** argv, const std::function<void(std::int64_t)>& body,
+                         std::int64_t defaultRows = 1'000'000) {
     benchmark::Initialize(&argc, argv);
     try {
-        body(argc > 1 ? std::stoll(argv[1]) : 1'000'000);
+        body(argc > 1 ? std::stoll(argv[1]) : defaultRows);
     } catch (const std::exception& error) {
         std::cerr << error.what() << '\n';
         return 1;

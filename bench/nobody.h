@@ -4,6 +4,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 // Stand-ins for the neighbours that a benchmark does not measure.
 namespace tremor {
@@ -33,6 +34,28 @@ class StandingClock : public Clock {
     void sleep(std::chrono::milliseconds) override {}
     void pump() override {}
     void repaint() override {}
+};
+
+class UnseenStatus : public StatusPanel {
+  public:
+    void setStatusText(std::string_view) override {}
+    void setEventsText(std::string_view) override {}
+    void setDownloadSize(std::string_view) override {}
+    void setProgressRange(int, int maximum) override { maximum_ = maximum; }
+    void setProgress(int value) override { value_ = value; }
+    std::string statusText() const override { return {}; }
+    int progressMaximum() const override { return maximum_; }
+    int progress() const override { return value_; }
+
+  private:
+    int maximum_ = 100;
+    int value_ = 0;
+};
+
+class LastMessage : public Log {
+  public:
+    void addLogToList(std::string_view message) override { lastMessage = message; }
+    std::string lastMessage;
 };
 
 } // namespace tremor

@@ -24,7 +24,9 @@ class CheckingStatus : public StatusPanel {
         maximum_ = maximum;
     }
     void setProgress(int value) override { require(value >= 0 && value <= maximum_); }
+    std::string statusText() const override { return {}; }
     int progressMaximum() const override { return maximum_; }
+    int progress() const override { return 0; }
 
     static void require(bool holds) {
         if (!holds)

@@ -169,6 +169,27 @@ std::string dateToText(DateTime date) {
                        time.hours().count(), time.minutes().count(), time.seconds().count());
 }
 
+std::string dateToLocaleText(DateTime date, const NumberLocale& locale) {
+    const std::string text = dateToText(date);
+    const std::string year = text.substr(0, 4);
+    const std::string month = text.substr(5, 2);
+    const std::string day = text.substr(8, 2);
+    const auto joined = [&](const std::string& first, const std::string& second,
+                            const std::string& third) {
+        return fmt::format("{1}{0}{2}{0}{3}{4}", locale.dateSeparator, first, second, third,
+                           text.substr(10));
+    };
+    switch (locale.dateOrder) {
+    case DateOrder::DayMonthYear:
+        return joined(day, month, year);
+    case DateOrder::MonthDayYear:
+        return joined(month, day, year);
+    case DateOrder::YearMonthDay:
+        break;
+    }
+    return joined(year, month, day);
+}
+
 std::string NormalizeDateText(std::string_view text, const NumberLocale& locale) {
     if (isNumericText(text, locale))
         return {};

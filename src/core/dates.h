@@ -22,6 +22,9 @@ bool isDateText(std::string_view text, const NumberLocale& locale);
 // "YYYY-MM-DD HH:mm:ss", always 19 characters for the years 0 to 9999.
 std::string dateToText(DateTime date);
 
+// The locale's short date with a four-digit year and the time: "14/01/2021 05:45:26".
+std::string dateToLocaleText(DateTime date, const NumberLocale& locale);
+
 // A date text in the form "YYYY-MM-DD HH:mm:ss"; empty for a text that is a number or no date.
 std::string NormalizeDateText(std::string_view text, const NumberLocale& locale);
 

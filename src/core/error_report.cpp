@@ -71,7 +71,9 @@ RuntimeError::RuntimeError(ErrorNumber number, std::string description)
     : number_(number), description_(std::move(description)) {}
 
 void CallStack::PushCallStack(std::string_view module, std::string_view procedure) {
-    entries_[static_cast<std::size_t>(depth_)] = fmt::format("{} ({})", procedure, module);
+    Entry& entry = entries_[static_cast<std::size_t>(depth_)];
+    entry.module = module;
+    entry.procedure = procedure;
     if (depth_ < capacity - 1)
         ++depth_;
     else
@@ -88,8 +90,10 @@ void CallStack::PopCallStack() {
 std::string CallStack::text() const {
     std::string result;
     const std::int32_t shown = lastEntryWritten_ ? capacity : depth_;
-    for (std::int32_t i = 0; i < shown; ++i)
-        result += fmt::format(" {}) {}\r\n", i + 1, entries_[static_cast<std::size_t>(i)]);
+    for (std::int32_t i = 0; i < shown; ++i) {
+        const Entry& entry = entries_[static_cast<std::size_t>(i)];
+        result += fmt::format(" {}) {} ({})\r\n", i + 1, entry.procedure, entry.module);
+    }
     return result;
 }
 
@@ -102,10 +106,14 @@ ErrorReport::ErrorReport(Prompts& prompts, std::function<void()> endProcess, int
 
 ErrorAnswer ErrorReport::ShowRuntimeError(std::string_view module, std::string_view procedure,
                                           const RuntimeError& error) {
+    return ask(fmt::format("{} - Runtime error", programTitleAndVersion),
+               reportText(module, procedure, error, callStack_));
+}
+
+ErrorAnswer ErrorReport::ask(std::string_view title, const std::string& text) {
     // The log reports its own failures here: one of those must neither be logged again nor ask.
     if (logging_)
         return ErrorAnswer::Ignore;
-    const std::string text = reportText(module, procedure, error, callStack_);
     writeToLog(text);
     if (boxOpen_)
         return ErrorAnswer::Ignore;
@@ -114,8 +122,7 @@ ErrorAnswer ErrorReport::ShowRuntimeError(std::string_view module, std::string_v
     {
         const FlagScope open(boxOpen_);
         const FlagScope held(ticksHeld_);
-        answer = prompts_.showRuntimeError(
-            fmt::format("{} - Runtime error", programTitleAndVersion), text, unattendedSeconds_);
+        answer = prompts_.showRuntimeError(title, text, unattendedSeconds_);
     }
     if (answer == ErrorAnswer::Abort) {
         endProcess_();

@@ -71,7 +71,13 @@ class CallStack {
     std::string text() const;
 
   private:
-    std::array<std::string, capacity> entries_;
+    // Joined only for a report: procedures are entered by the million.
+    struct Entry {
+        std::string module;
+        std::string procedure;
+    };
+
+    std::array<Entry, capacity> entries_;
     std::int32_t depth_ = 0;
     bool lastEntryWritten_ = false;
 };
@@ -96,6 +102,9 @@ class ErrorReport {
     // while a report is being logged, is answered with Ignore alone.
     ErrorAnswer ShowRuntimeError(std::string_view module, std::string_view procedure,
                                  const RuntimeError& error);
+
+    // The same box and the same rules with a title and a text of the caller's own.
+    ErrorAnswer ask(std::string_view title, const std::string& text);
 
   private:
     void writeToLog(const std::string& report);

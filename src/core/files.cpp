@@ -1,5 +1,6 @@
 #include "core/files.h"
 
+#include "core/descriptor.h"
 #include "core/error_report.h"
 
 #include <fcntl.h>
@@ -21,27 +22,6 @@ namespace tremor {
 
 namespace {
 
-// An open file that is closed at the end of its block.
-class Descriptor {
-  public:
-    explicit Descriptor(int number) : number_(number) {}
-    ~Descriptor() {
-        if (number_ >= 0)
-            ::close(number_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    bool isOpen() const { return number_ >= 0; }
-    int number() const { return number_; }
-
-    // Closes now; false when the system reports an error that it had kept back until then.
-    bool close() { return ::close(std::exchange(number_, -1)) == 0; }
-
-  private:
-    int number_;
-};
-
 // What the path names, links followed.
 std::optional<struct stat> statusOf(const std::string& path) {
     struct stat status {};
@@ -61,30 +41,6 @@ std::filesystem::path finalTarget(std::filesystem::path path) {
         path = path.parent_path() / link;
     }
     throw RuntimeError(ErrorNumber::PathFileAccessError);
-}
-
-// Writes a new file and flushes it to the disk. Gives the system's error number, 0 for none.
-int writeNewFile(const std::string& path, std::string_view text, mode_t mode) {
-    Descriptor file(
-        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
-    if (!file.isOpen())
-        return errno;
-    while (!text.empty()) {
-        const ssize_t written = ::write(file.number(), text.data(), text.size());
-        if (written >= 0)
-            text.remove_prefix(static_cast<std::size_t>(written));
-        else if (errno != EINTR)
-            return errno;
-    }
-    return ::fsync(file.number()) == 0 && file.close() ? 0 : errno;
-}
-
-// Makes a rename in the folder last through a loss of power. The new file stands already, so a
-// file system that cannot do it is no error.
-void flushFolder(const std::string& path) {
-    const Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.isOpen())
-        ::fsync(folder.number());
 }
 
 // True when the path is a folder that belongs to the user alone, made now or earlier. In a shared
@@ -141,6 +97,18 @@ std::string GetSystemFolder() {
 }
 
 std::string readWholeFile(std::string_view path, std::uint64_t maximumBytes) {
+    // A file that is too large already is not read first.
+    const std::optional<struct stat> status = statusOf(std::string(path));
+    if (status && S_ISREG(status->st_mode) &&
+        static_cast<std::uint64_t>(status->st_size) > maximumBytes)
+        throw RuntimeError(ErrorNumber::OutOfMemory);
+    std::string text = readFileHead(path, maximumBytes + 1);
+    if (text.size() > maximumBytes)
+        throw RuntimeError(ErrorNumber::OutOfMemory);
+    return text;
+}
+
+std::string readFileHead(std::string_view path, std::uint64_t bytes) {
     // Without O_NONBLOCK opening a pipe would wait for a writer.
     const Descriptor file(::open(std::string(path).c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!file.isOpen())
@@ -152,40 +120,86 @@ std::string readWholeFile(std::string_view path, std::uint64_t maximumBytes) {
 
     std::string text;
     std::array<char, 65536> buffer{};
-    text.reserve(std::min(static_cast<std::uint64_t>(status.st_size), maximumBytes));
-    for (;;) {
-        const ssize_t count = ::read(file.number(), buffer.data(), buffer.size());
+    text.reserve(std::min(static_cast<std::uint64_t>(status.st_size), bytes));
+    while (text.size() < bytes) {
+        const ssize_t count = ::read(file.number(), buffer.data(),
+                                     std::min<std::uint64_t>(buffer.size(), bytes - text.size()));
         if (count == 0)
-            return text;
+            break;
         if (count < 0 && errno == EINTR)
             continue;
         if (count < 0)
             throw RuntimeError(ErrorNumber::PathFileAccessError);
         text.append(buffer.data(), static_cast<std::size_t>(count));
-        if (text.size() > maximumBytes)
-            throw RuntimeError(ErrorNumber::OutOfMemory);
     }
+    return text;
 }
 
-void writeFileAtomically(std::string_view path, std::string_view text, bool ownerOnly) {
+AtomicFile::AtomicFile(std::string_view path, bool ownerOnly) {
     const std::filesystem::path target = finalTarget(std::filesystem::path(path));
+    target_ = target.string();
     // A rename would put a file in the place of a device.
-    const std::optional<struct stat> old = statusOf(target.string());
+    const std::optional<struct stat> old = statusOf(target_);
     if (old && !S_ISREG(old->st_mode))
         throw RuntimeError(ErrorNumber::PathFileAccessError);
 
     const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
-    const std::string temporary = folder / fmt::format(".tremorledger-{}.tmp", ::getpid());
-    ::unlink(temporary.c_str()); // left by a crash of an earlier process of this number
+    temporary_ = folder / fmt::format(".tremorledger-{}.tmp", ::getpid());
+    ::unlink(temporary_.c_str()); // left by a crash of an earlier process of this number
     const mode_t mode = ownerOnly ? S_IRUSR | S_IWUSR : S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
-    int error = writeNewFile(temporary, text, mode);
-    if (error == 0 && ::rename(temporary.c_str(), target.c_str()) != 0)
-        error = errno;
-    if (error != 0) {
-        ::unlink(temporary.c_str());
+    constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+    file_ = std::make_unique<Descriptor>(::open(temporary_.c_str(), flags, mode));
+    if (file_->isOpen())
+        return;
+    const int error = errno;
+    file_.reset();
+    raiseWriteError(error);
+}
+
+AtomicFile::~AtomicFile() {
+    if (file_ != nullptr)
+        ::unlink(temporary_.c_str());
+}
+
+void AtomicFile::append(std::string_view text) {
+    constexpr std::size_t blockSize = 1U << 20;
+    if (block_.empty() && text.size() >= blockSize)
+        return writeBlock(text);
+    block_ += text;
+    if (block_.size() < blockSize)
+        return;
+    writeBlock(block_);
+    block_.clear();
+}
+
+void AtomicFile::writeBlock(std::string_view text) {
+    if (const int error = file_->write(text); error != 0)
         raiseWriteError(error);
-    }
+}
+
+void AtomicFile::commit() {
+    writeBlock(block_);
+    if (::fsync(file_->number()) != 0 || !file_->close() ||
+        ::rename(temporary_.c_str(), target_.c_str()) != 0)
+        raiseWriteError(errno);
+    file_.reset();
+    // The new file stands already, so a file system that cannot do this is no error.
+    const std::string folder = std::filesystem::path(temporary_).parent_path().string();
     flushFolder(folder);
+}
+
+void writeFileAtomically(std::string_view path, std::string_view text, bool ownerOnly) {
+    AtomicFile file(path, ownerOnly);
+    file.append(text);
+    file.commit();
+}
+
+int flushFolder(const std::string& path) {
+    const Descriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isOpen())
+        return errno;
+    // EINVAL: a file system that has nothing to flush.
+    return ::fsync(folder.number()) == 0 || errno == EINVAL ? 0 : errno;
 }
 
 void raiseWriteError(int systemError) {
@@ -197,6 +211,8 @@ void raiseWriteError(int systemError) {
     case EACCES:
     case EPERM:
     case EROFS:
+    case EBUSY: // locked by another program on a network drive
+    case ETXTBSY:
         throw RuntimeError(ErrorNumber::PermissionDenied);
     case ENOENT:
     case ENOTDIR:

@@ -116,6 +116,10 @@ void panel::connectMenu() {
     onClick("mnu_createDB", &panel::mnu_createDB_Click);
     onClick("mnuCollect", [this] { components_.scheduler.mnuCollect_Click(); });
     onClick("mnu_startallservices", &panel::mnu_startallservices_Click);
+    onClick("mnu_exportDatabaseCSV",
+            [this] { components_.csvExport.mnu_exportDatabaseCSV_Click(); });
+    onClick("mnu_ImportCSV", [this] { components_.csvImport.mnu_ImportCSV_Click(); });
+    onClick("mnu_imp_seiscomp2_6", [this] { components_.seisComp.readSeisCompVers2_6(true, {}); });
     onClick("mnu_Exit", [this] { close(); });
     onClick("mnuUpdateWRKwithEvents", &panel::mnuUpdateWRKwithEvents_Click);
     onClick("mnu_About", &panel::mnu_About_Click);

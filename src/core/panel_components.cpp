@@ -20,8 +20,13 @@ PanelComponents::PanelComponents(const PanelEnvironment& given, QMainWindow& win
       townsList(widgets),
       towns(database, given.locale, earth, townsList, given.errors),
       steps(widgets, *this),
+      upgrade(database, settings, given.session, given.clock, log, given.errors,
+              [this](std::string_view name, const std::string& path) {
+                  catalogue.fillDBTables();
+                  return catalogue.createDatabase(name, {}, path);
+              }),
       catalogue(database, settings, given.session, controls, given.prompts, log, given.errors,
-                steps, given.applicationPath),
+                upgrade, given.applicationPath),
       grid(database, given.session, settings, given.clock, given.locale, *widgets.gridEvents, map,
            steps, given.prompts, given.errors, [this] { return openDB(); }),
       probe(given.hosts.InternetProbe, given.clock, given.session),
@@ -31,6 +36,11 @@ PanelComponents::PanelComponents(const PanelEnvironment& given, QMainWindow& win
       ingv(feedContext(), download),
       usgs(feedContext(), download, given.locale),
       emsc(feedContext(), download),
+      liveloc(feedContext()),
+      seisComp(feedContext(), given.prompts, given.applicationPath, given.locale),
+      localSources(feedContext(), liveloc, seisComp),
+      csvExport(feedContext(), settings, given.applicationPath),
+      csvImport(feedContext(), given.prompts, given.locale),
       services(given.session, settings, given.clock, log, given.errors, steps),
       refresh(settings, given.session, given.clock, steps, given.errors),
       scheduler(given.session, settings, given.clock, log, given.errors, steps) {

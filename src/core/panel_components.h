@@ -11,11 +11,17 @@
 #include "core/settings_utilities.h"
 #include "database/catalogue_file.h"
 #include "database/database.h"
+#include "database/database_upgrade.h"
+#include "ingest/csv_export.h"
+#include "ingest/csv_import.h"
 #include "ingest/emsc_source.h"
 #include "ingest/ingv_source.h"
 #include "ingest/internet_probe.h"
+#include "ingest/liveloc_source.h"
+#include "ingest/local_sources.h"
 #include "ingest/panel_download.h"
 #include "ingest/polling_scheduler.h"
+#include "ingest/seiscomp_source.h"
 #include "ingest/start_services.h"
 #include "ingest/usgs_source.h"
 #include "views/events_grid.h"
@@ -63,6 +69,7 @@ struct PanelComponents {
     PanelTowns townsList;
     NearbyTowns towns;
     PanelSteps steps;
+    CatalogueUpgrade upgrade;
     CatalogueFile catalogue;
     EventsGrid grid;
     InternetProbe probe;
@@ -71,6 +78,11 @@ struct PanelComponents {
     IngvSource ingv;
     UsgsSource usgs;
     EmscSource emsc;
+    LivelocSource liveloc;
+    SeisCompSource seisComp;
+    LocalSources localSources;
+    CsvExport csvExport;
+    CsvImport csvImport;
     StartServices services;
     QueryToControls refresh;
     PollingScheduler scheduler;

@@ -37,8 +37,16 @@ void PanelStatus::setProgress(int value) {
     bar.setValue(std::clamp(value, bar.minimum(), bar.maximum()));
 }
 
+std::string PanelStatus::statusText() const {
+    return toBytes(widgets_.lbl_log_bkg->text());
+}
+
 int PanelStatus::progressMaximum() const {
     return widgets_.prgBar->maximum();
+}
+
+int PanelStatus::progress() const {
+    return widgets_.prgBar->value();
 }
 
 void PanelControlStates::controlliForm(std::int32_t state) {
@@ -92,6 +100,14 @@ void PanelSteps::downloadCsvFromUSGS() {
 
 void PanelSteps::downloadCsvFromEmsc() {
     components_.emsc.downloadCsvFromEmsc();
+}
+
+void PanelSteps::ListFolder(std::string_view localSourcePath) {
+    components_.localSources.ListFolder(localSourcePath);
+}
+
+void PanelSteps::exportLast24HoursCSV() {
+    components_.csvExport.exportLast24HoursCSV();
 }
 
 // The views follow each poll. Nobody counts new events, so there are none to report.

@@ -3,7 +3,6 @@
 #include "alerts/nearby_towns.h"
 #include "core/controls.h"
 #include "core/ports.h"
-#include "database/catalogue_file.h"
 #include "ingest/service_steps.h"
 #include "ingest/tick_steps.h"
 #include "map/query_to_controls.h"
@@ -31,7 +30,9 @@ class PanelStatus : public StatusPanel {
     void setDownloadSize(std::string_view text) override;
     void setProgressRange(int minimum, int maximum) override;
     void setProgress(int value) override;
+    std::string statusText() const override;
     int progressMaximum() const override;
+    int progress() const override;
 
   private:
     PanelWidgets& widgets_;
@@ -50,13 +51,12 @@ class PanelControlStates : public PanelControls {
 };
 
 // The outward steps of the subsystems that the program does not have: maps and snapshots, the
-// other sources, exports, workspaces, the chart, notifications. They do nothing, which is what each
-// of them does when it is switched off or finds no page.
+// ISIDE source, workspaces, the chart, notifications. They do nothing, which is what each of them
+// does when it is switched off or finds no page.
 class AbsentSubsystems : public TickSteps,
                          public ServiceSteps,
                          public QueryToControlsSteps,
-                         public TownsReport,
-                         public DatabaseUpgrade {
+                         public TownsReport {
   public:
     // Snapshots.
     void mapsInJPGLastEvent() override {}
@@ -66,10 +66,8 @@ class AbsentSubsystems : public TickSteps,
 
     // Sources.
     void downloadCsvFromIside() override {}
-    void ListFolder(std::string_view) override {}
 
-    // Exports and pages.
-    void exportLast24HoursCSV() override {}
+    // Pages.
     void generaDefaultCSS() override {}
     void Maps() override {}
     void MapsLastEvent() override {}
@@ -97,9 +95,6 @@ class AbsentSubsystems : public TickSteps,
     void generateMsgTelegram() override {}
     bool telegramTokenValid() override { return true; }
     std::int32_t checkIdTelegram() override { return 0; }
-
-    // An older catalogue stays as it is.
-    bool upgradeDB() override { return false; }
 };
 
 // The geometry of the earth for the nearby towns.
@@ -155,6 +150,8 @@ class PanelSteps : public AbsentSubsystems {
     void downloadCsvFromIngv() override;
     void downloadCsvFromUSGS() override;
     void downloadCsvFromEmsc() override;
+    void ListFolder(std::string_view localSourcePath) override;
+    void exportLast24HoursCSV() override;
     bool thereIsNewEv() override;
     void eventOnPOI(const SelectedEvent& event) override;
 

@@ -105,7 +105,9 @@ class StatusPanel {
     virtual void setDownloadSize(std::string_view text) = 0; // lbl_tot
     virtual void setProgressRange(int minimum, int maximum) = 0;
     virtual void setProgress(int value) = 0; // held to the range
+    virtual std::string statusText() const = 0;
     virtual int progressMaximum() const = 0;
+    virtual int progress() const = 0;
 };
 
 } // namespace tremor

@@ -263,7 +263,7 @@ void CatalogueFile::fillDBTables() {
     });
 }
 
-void CatalogueFile::createDatabase(std::string_view name, std::string_view extension,
+bool CatalogueFile::createDatabase(std::string_view name, std::string_view extension,
                                    std::string_view fullPath) {
     ProcedureTrace trace(errors_, module, "createDatabase");
     const std::string path = fullPath.empty()
@@ -273,7 +273,7 @@ void CatalogueFile::createDatabase(std::string_view name, std::string_view exten
         prompts_.showMessageBox(
             {"Database already exist.", "Error...", BoxIcon::Information, BoxButtons::Ok});
         log_.addLogToList(fmt::format("Database {} already exist.", name));
-        return;
+        return false;
     }
     int failures = 0;
     std::string reason;
@@ -294,6 +294,7 @@ void CatalogueFile::createDatabase(std::string_view name, std::string_view exten
     if (failures != 0)
         log_.addLogToList(fmt::format("Database {}: {} operations failed, the first with: {}", name,
                                       failures, reason));
+    return failures == 0;
 }
 
 } // namespace tremor

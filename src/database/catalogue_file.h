@@ -58,8 +58,8 @@ class CatalogueFile {
     // Makes a new file with all tables and its Version row, and stores its path in settings.Path.
     // The path is `fullPath`, or application path + "/" + name + extension when that is empty. An
     // existing file is reported and left alone. The tables are those of DBTables: fillDBTables
-    // comes first. Failures are logged, and nothing is undone.
-    void createDatabase(std::string_view name, std::string_view extension,
+    // comes first. Failures are logged, and nothing is undone. True when all of it succeeded.
+    bool createDatabase(std::string_view name, std::string_view extension,
                         std::string_view fullPath);
 
     const std::array<TableRecord, 7>& DBTables() const { return DBTables_; }

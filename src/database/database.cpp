@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <utility>
 
 namespace tremor {
@@ -18,6 +19,13 @@ char lower(char c) {
 
 bool equalInAnyCase(std::string_view a, std::string_view b) {
     return std::ranges::equal(a, b, {}, lower, lower);
+}
+
+std::string_view columnText(sqlite3_stmt* statement, int column) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+    if (text == nullptr)
+        return "";
+    return {text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
 }
 
 // Runs a statement to its end, past any rows.
@@ -76,10 +84,8 @@ int Database::Impl::readRows(sqlite3_stmt* statement, ResultSet& rows) {
     int code = sqlite3_step(statement);
     for (; code == SQLITE_ROW; code = sqlite3_step(statement)) {
         for (int column = 0; column < columns; ++column) {
-            const auto* text =
-                reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
-            const int length = sqlite3_column_bytes(statement, column);
-            if (!rows.append(text != nullptr ? text : "", static_cast<std::size_t>(length)))
+            const std::string_view text = columnText(statement, column);
+            if (!rows.append(text.data(), text.size()))
                 return SQLITE_TOOBIG;
         }
     }
@@ -149,6 +155,34 @@ int Database::slsSel(std::string_view sql, int set, std::string_view /*mods*/) {
     });
 }
 
+std::string_view CurrentRow::text(int column) const {
+    return columnText(statement_, column - 1);
+}
+
+int Database::slsEach(std::string_view sql, const std::function<bool(const CurrentRow&)>& visit) {
+    SqliteConnection& connection = impl_->connection;
+    std::exception_ptr thrown;
+    const int result = connection.run([&] {
+        int code = SQLITE_OK;
+        const StatementHandle statement = connection.prepare(sql, false, code);
+        if (!statement)
+            return code;
+        try {
+            while ((code = sqlite3_step(statement.get())) == SQLITE_ROW) {
+                if (!visit(CurrentRow(statement.get())))
+                    return SQLITE_OK;
+            }
+        } catch (...) {
+            thrown = std::current_exception();
+            return SQLITE_ABORT;
+        }
+        return code == SQLITE_DONE ? SQLITE_OK : code;
+    });
+    if (thrown)
+        std::rethrow_exception(thrown);
+    return result;
+}
+
 bool Database::slsGetRow(int set, std::string_view /*mods*/) {
     Impl::Set* source = impl_->set(set);
     if (source == nullptr)
@@ -189,6 +223,10 @@ std::string Database::slGetColumnName(int column, int set) const {
 
 std::string Database::slGetError() const {
     return impl_->connection.errorText();
+}
+
+int Database::errorNumber() const {
+    return impl_->connection.errorNumber();
 }
 
 ResultSet Database::takeResult(int set) {

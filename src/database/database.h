@@ -47,6 +47,20 @@ class ResultSet {
     std::vector<Block> blocks_;
 };
 
+// The row of a running query on which it stands. Valid until the query goes on.
+class CurrentRow {
+  public:
+    // The text of a column by number (from 1), in the form that ResultSet has; empty when there is
+    // no such column.
+    std::string_view text(int column) const;
+
+  private:
+    friend class Database;
+    explicit CurrentRow(sqlite3_stmt* statement) : statement_(statement) {}
+
+    sqlite3_stmt* statement_;
+};
+
 // One statement, prepared once and run many times with other values.
 class Statement {
   public:
@@ -94,6 +108,12 @@ class Database {
     // Runs a query and keeps all its rows in set number `set` (0 to 15) in front of the first one.
     int slsSel(std::string_view sql, int set = 0, std::string_view mods = {});
 
+    // Runs a query and hands over each of its rows, without keeping them, until the visitor gives
+    // false. 0, also when the visitor has ended it, or the error number; rows may have been handed
+    // over before an error. Meanwhile every other call on this object fails. An exception of the
+    // visitor ends the query and goes on to the caller.
+    int slsEach(std::string_view sql, const std::function<bool(const CurrentRow&)>& visit);
+
     // Steps to the next row; true while a row is there.
     bool slsGetRow(int set = 0, std::string_view mods = {});
 
@@ -107,6 +127,9 @@ class Database {
 
     // "0" when the last call succeeded, else "<number> <message>".
     std::string slGetError() const;
+
+    // The number of that error alone; 0 when the last call succeeded.
+    int errorNumber() const;
 
     // Takes the rows of a set away without copying them; the set is empty afterwards.
     ResultSet takeResult(int set = 0);

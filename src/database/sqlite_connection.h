@@ -73,8 +73,9 @@ class SqliteConnection {
     sqlite3* handle() const { return handle_; }
     const std::string& path() const { return path_; }
 
-    // "0" or "<number> <message>".
+    // "0" or "<number> <message>", and the number alone.
     std::string errorText() const;
+    int errorNumber() const { return errorCode_; }
 
   private:
     using Time = std::chrono::steady_clock::time_point;

@@ -69,12 +69,8 @@ EventValues valuesOf(std::string_view item) {
     for (;;) {
         const std::size_t end = item.find(closingStart);
         const std::string_view part = item.substr(0, end);
-        const std::size_t tag = part.rfind('<');
-        const std::size_t tagEnd = part.find('>', tag);
-        std::string_view element = noElement;
-        if (tag != std::string_view::npos && tagEnd != std::string_view::npos)
-            element = elementName(part.substr(tag + 1, tagEnd - tag - 1));
-        values.add({element.empty() ? noElement : element, part});
+        const auto element = innermostOpenElement(part);
+        values.add({element ? element->name : noElement, part});
         if (end == std::string_view::npos)
             return values;
         item.remove_prefix(end + closingStart.size());
@@ -88,7 +84,7 @@ EventValues valuesOf(std::string_view item) {
 std::string_view taggedValue(const EventValues& values, EventQuantity quantity,
                              std::string_view tagTail) {
     const std::string_view part = values.find(quantity)->text;
-    return values.names(quantity) ? part.substr(part.find('>', part.rfind('<')))
+    return values.names(quantity) ? part.substr(innermostOpenElement(part)->tagEnd)
                                   : cutAt(part, tagTail);
 }
 

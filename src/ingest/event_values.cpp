@@ -50,6 +50,30 @@ std::string_view elementName(std::string_view tag) {
     return name.substr(name.find(':') + 1); // npos + 1 is 0
 }
 
+std::optional<OpenElement> innermostOpenElement(std::string_view text) {
+    std::size_t closed = 0; // elements whose closing tags the search has passed
+    for (std::size_t start = text.rfind('<'); start != std::string_view::npos;
+         start = text.rfind('<')) {
+        const std::string_view behind = text.substr(start + 1);
+        text = text.substr(0, start);
+        const std::size_t end = behind.find('>');
+        if (end == std::string_view::npos)
+            continue;
+        const std::string_view tag = behind.substr(0, end);
+        if (tag.starts_with('/')) {
+            ++closed;
+            continue;
+        }
+        const std::string_view name = elementName(tag);
+        if (name.empty() || tag.ends_with('/'))
+            continue;
+        if (closed == 0)
+            return OpenElement{name, start + 1 + end};
+        --closed;
+    }
+    return std::nullopt;
+}
+
 void EventValues::add(const ElementValue& value) {
     if (count_ < eventQuantities)
         placed_[indexOf(order_[count_])] = value;

@@ -21,6 +21,16 @@ inline constexpr std::size_t eventQuantities = 5;
 // without a prefix. A closing tag, a comment or an instruction has no name.
 std::string_view elementName(std::string_view tag);
 
+// An element that a text opens and does not close.
+struct OpenElement {
+    std::string_view name;
+    std::size_t tagEnd; // place of the tag's ">"
+};
+
+// The innermost one, "longitude" of "</time><longitude><uncertainty>1</uncertainty>". Comments,
+// instructions, CDATA sections, elements that close themselves and a "<" without a ">" open none.
+std::optional<OpenElement> innermostOpenElement(std::string_view text);
+
 // One value, with the name of the element that holds it.
 struct ElementValue {
     std::string_view element; // empty: the document does not name it

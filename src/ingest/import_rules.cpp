@@ -1,12 +1,13 @@
 #include "ingest/import_rules.h"
 
+#include "core/flag_scope.h"
+#include "ingest/duplicate_check.h"
+#include "ingest/row_writer.h"
+
 #include <fmt/format.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <array>
-#include <optional>
-#include <unordered_set>
 
 namespace tremor {
 
@@ -21,38 +22,6 @@ constexpr std::string_view insertStatement =
 bool isNew(const ImportRecord& record) {
     return !record.UTC.empty() && !record.IsDuplicate;
 }
-
-// An open transaction. Rolled back unless committed, so that neither an error nor an exception
-// leaves half an import or the flag behind.
-class Transaction {
-  public:
-    Transaction(Database& database, Session& session)
-        : database_(database),
-          session_(session),
-          open_(database.slsExe("BEGIN TRANSACTION;") == 0) {
-        session_.ImportInProgress = open_;
-    }
-    ~Transaction() {
-        if (open_)
-            database_.slsExe("ROLLBACK;");
-        session_.ImportInProgress = false;
-    }
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
-
-    bool isOpen() const { return open_; }
-    bool commit() {
-        if (database_.slsExe("COMMIT;") != 0)
-            return false;
-        open_ = false;
-        return true;
-    }
-
-  private:
-    Database& database_;
-    Session& session_;
-    bool open_;
-};
 
 // The bar and the label "50 / 120" of an import.
 class ImportProgress {
@@ -94,65 +63,43 @@ class ImportProgress {
     int value_ = 0;
 };
 
-// True for errors of one row alone. After any other one (locked, full, broken file) SQLite may
-// have ended the transaction by itself, and each further row would wait for the lock again.
-bool refusesTheRowOnly(int error) {
-    switch (error & 0xff) { // extended codes keep the primary one in the low byte
-    case SQLITE_CONSTRAINT:
-    case SQLITE_MISMATCH:
-    case SQLITE_TOOBIG:
-    case SQLITE_RANGE:
-        return true;
-    default:
-        return false;
-    }
-}
-
-// The insertion of records one by one, with the reason of the first lost row.
-class RowInserter {
-  public:
-    RowInserter(Database& database, ImportOutcome& outcome)
-        : database_(database), outcome_(outcome), statement_(database.prepare(insertStatement)) {}
-
-    bool isReady() const { return static_cast<bool>(statement_); }
-
-    // False when the whole import has failed.
-    bool insert(const ImportRecord& record) {
-        std::array<std::optional<std::string>, 6> pasted = {
-            pastedTextValue(record.UTC),       pastedTextValue(record.Latitude),
-            pastedTextValue(record.Longitude), pastedTextValue(record.Depth),
-            pastedTextValue(record.Magnitude), pastedTextValue(record.Source)};
-        values_.clear();
-        for (const auto& value : pasted) {
-            if (!value) {
-                lose("a value holds an apostrophe or a zero byte");
-                return true;
-            }
-            values_.push_back(*value);
-        }
-        const int error = database_.execute(statement_, values_);
-        if (error == 0)
-            return true;
-        if (!refusesTheRowOnly(error))
-            return false;
-        lose(database_.slGetError());
-        return true;
-    }
-
-  private:
-    void lose(std::string reason) {
-        if (outcome_.lost++ == 0)
-            outcome_.lostReason = std::move(reason);
-    }
-
-    Database& database_;
-    ImportOutcome& outcome_;
-    Statement statement_;
-    std::vector<std::string_view> values_;
-};
-
 ImportOutcome nothingStored(std::size_t count, const Database& database) {
     return {count, count, database.slGetError()};
+}
+
+RecordPass passOver(const std::vector<ImportRecord>& records) {
+    return [&records](const RecordVisitor& visit) {
+        for (const ImportRecord& record : records) {
+            if (!visit(record))
+                return;
+        }
+    };
+}
+
+// Inserts every record of the pass; `count` of them are events.
+ImportOutcome insertAll(const RecordPass& records, std::size_t count, Database& database,
+                        StatusPanel& status, Session& session) {
+    ImportProgress progress(status, count);
+    const FlagScope importing(session.ImportInProgress);
+    Transaction transaction(database);
+    if (!transaction.isOpen())
+        return nothingStored(count, database);
+    RowWriter writer(database, insertStatement);
+    bool going = writer.isReady();
+    if (going)
+        records([&](const ImportRecord& record) {
+            going = writer.write({record.UTC, record.Latitude, record.Longitude, record.Depth,
+                                  record.Magnitude, record.Source});
+            if (going)
+                progress.inserted(record.element);
+            return going;
+        });
+    if (!going)
+        return nothingStored(count, database);
+    progress.finish();
+    if (!transaction.commit())
+        return nothingStored(count, database);
+    return {count, writer.lost(), writer.lostReason()};
 }
 
 } // namespace
@@ -162,10 +109,10 @@ const FeedRules& feedRules(FeedReader reader) {
     // own rows only: their times of one earthquake differ, and the sources stay side by side.
     static constexpr std::array<FeedRules, 5> rules = {{
         {")) and (Source <> 'EMSC') group by UTC", false, " Events imported from INGV"},
-        {")) and (Source <> 'EMSC') group by UTC", false, " Events imported from ISIDE"},
+        {")) and (Source <> 'EMSC') group by UTC", false, " Events imported from ISIDE", true},
         {")) and (Source = 'EMSC') group by UTC", false, " Events imported from EMSC"},
         {")) and (Source = 'USGS') group by UTC", true, " Events imported from USGS"},
-        {")) group by UTC", false, " Events imported from a csv file."},
+        {")) group by UTC", false, " Events imported from a csv file.", true},
     }};
     return rules.at(static_cast<std::size_t>(reader));
 }
@@ -199,25 +146,11 @@ std::string utcList(const std::vector<ImportRecord>& records, std::size_t elemen
 
 bool markDuplicates(std::vector<ImportRecord>& records, std::size_t elements,
                     const FeedRules& rules, Database& database) {
-    std::string sql = "select UTC from Events where (UTC IN (";
-    sql += utcList(records, elements);
-    sql += rules.duplicateTail;
-    if (database.slsSel(sql) != 0)
+    DuplicateCheck check(rules);
+    if (!check.ask(passOver(records), elements, database))
         return false;
-
-    const ResultSet rows = database.takeResult();
-    std::unordered_set<std::string_view> known;
-    known.reserve(rows.rowCount());
-    for (std::size_t row = 0; row < rows.rowCount(); ++row)
-        known.insert(rows.cell(row, 0));
-    for (ImportRecord& record : records) {
-        const auto found = known.find(record.UTC);
-        if (found == known.end())
-            continue;
-        record.IsDuplicate = true;
-        if (!rules.marksAllEqual)
-            known.erase(found);
-    }
+    for (ImportRecord& record : records)
+        record.IsDuplicate = check.isDuplicate(record);
     return true;
 }
 
@@ -227,27 +160,39 @@ std::size_t countNewRecords(const std::vector<ImportRecord>& records) {
 
 ImportOutcome insertRecords(const std::vector<ImportRecord>& records, Database& database,
                             StatusPanel& status, Session& session) {
-    ImportOutcome outcome;
-    outcome.count = countNewRecords(records);
-    ImportProgress progress(status, outcome.count);
+    const RecordPass news = [&records](const RecordVisitor& visit) {
+        passOver(records)(
+            [&visit](const ImportRecord& record) { return !isNew(record) || visit(record); });
+    };
+    return insertAll(news, countNewRecords(records), database, status, session);
+}
 
-    Transaction transaction(database, session);
-    if (!transaction.isOpen())
-        return nothingStored(outcome.count, database);
-    RowInserter inserter(database, outcome);
-    if (!inserter.isReady())
-        return nothingStored(outcome.count, database);
-    for (const ImportRecord& record : records) {
-        if (!isNew(record))
-            continue;
-        if (!inserter.insert(record))
-            return nothingStored(outcome.count, database);
-        progress.inserted(record.element);
-    }
-    progress.finish();
-    if (!transaction.commit())
-        return nothingStored(outcome.count, database);
-    return outcome;
+ImportOutcome storeRecords(const RecordPass& records, std::size_t elements, const FeedRules& rules,
+                           Database& database, StatusPanel& status, Session& session) {
+    DuplicateCheck check(rules);
+    const bool asked = check.ask(records, elements, database);
+
+    std::vector<bool> left(elements); // elements that are not inserted
+    std::size_t count = 0;
+    records([&](const ImportRecord& record) {
+        const bool hole = record.UTC.empty();
+        left[record.element] = check.isDuplicate(record) || (hole && !rules.storesHoles);
+        if (!left[record.element] && !hole)
+            ++count;
+        return true;
+    });
+    if (!asked)
+        return nothingStored(count, database);
+    const RecordPass others = [&](const RecordVisitor& visit) {
+        records([&](const ImportRecord& record) { return left[record.element] || visit(record); });
+    };
+    return insertAll(others, count, database, status, session);
+}
+
+void logLostRows(const ImportOutcome& outcome, Log& log) {
+    if (!outcome.lostReason.empty())
+        log.addLogToList(fmt::format("{} of these events could not be stored: {}", outcome.lost,
+                                     outcome.lostReason));
 }
 
 ImportOutcome importRecords(std::vector<ImportRecord>& records, std::size_t elements,
@@ -258,9 +203,7 @@ ImportOutcome importRecords(std::vector<ImportRecord>& records, std::size_t elem
             ? insertRecords(records, context.database, context.status, context.session)
             : nothingStored(countNewRecords(records), context.database);
     context.log.addLogToList(fmt::format("{}{}", outcome.count, rules.importedText));
-    if (!outcome.lostReason.empty())
-        context.log.addLogToList(fmt::format("{} of these events could not be stored: {}",
-                                             outcome.lost, outcome.lostReason));
+    logLostRows(outcome, context.log);
     return outcome;
 }
 

@@ -33,7 +33,7 @@ struct FeedContext {
 
 // One event of a feed, all text, exactly as it goes into the catalogue. The fields point into the
 // text of the file or into whatever else the reader keeps alive until the import is over. Lines
-// without an event have no record.
+// without an event have no record, but for the holes of a CSV file, which are stored too.
 struct ImportRecord {
     std::size_t element = 0;    // index of its line in the file, from 0
     std::string_view UTC;       // "2021-01-14 05:45:26.600"; empty: no event
@@ -52,9 +52,17 @@ struct FeedRules {
     std::string_view duplicateTail; // end of the duplicate query, behind the list of times
     bool marksAllEqual;             // all equal records are duplicates, not only the first one
     std::string_view importedText;  // behind the count in the log
+    // A record without a time is a hole: it is stored as a row of empty texts. The search for a
+    // stored time stops at the first hole, which then is the duplicate.
+    bool storesHoles = false;
 };
 
 const FeedRules& feedRules(FeedReader reader);
+
+// Hands over the records of a file in the order of their elements, anew at each call, so that a
+// large file needs no list of them. Ends early when the visitor gives false.
+using RecordVisitor = std::function<bool(const ImportRecord&)>;
+using RecordPass = std::function<void(const RecordVisitor&)>;
 
 // The number of lines that a line feed ends. What follows the last line feed is no line: a cut
 // transfer must not give half an event.
@@ -99,9 +107,18 @@ struct ImportOutcome {
 ImportOutcome insertRecords(const std::vector<ImportRecord>& records, Database& database,
                             StatusPanel& status, Session& session);
 
+// Finds the duplicates among the records of a file and inserts the others, in a few passes. Their
+// texts outlive the call. Holes are stored where the rules say so, and not counted. When
+// the duplicate check itself fails, nothing is inserted: every known event would come in a second
+// time.
+ImportOutcome storeRecords(const RecordPass& records, std::size_t elements, const FeedRules& rules,
+                           Database& database, StatusPanel& status, Session& session);
+
+// "2 of these events could not be stored: ..." in the log; nothing when no row was lost.
+void logLostRows(const ImportOutcome& outcome, Log& log);
+
 // The whole import of parsed records: duplicates, insertion, "60 Events imported from INGV" in the
-// log, and one more line when rows were lost. When the duplicate check itself fails, nothing is
-// inserted: every known event would come in a second time.
+// log, and one more line when rows were lost.
 ImportOutcome importRecords(std::vector<ImportRecord>& records, std::size_t elements,
                             FeedReader reader, FeedContext& context);
 

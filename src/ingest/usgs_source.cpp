@@ -27,27 +27,18 @@ constexpr EventValues::Order valueOrder = {EventQuantity::Time, EventQuantity::L
                                            EventQuantity::Longitude, EventQuantity::Depth,
                                            EventQuantity::Magnitude};
 
-// The name in the tag that closes `text`.
-std::string_view nameOfLastTag(std::string_view text) {
-    text = trimRight(text);
-    const std::size_t start = text.rfind('<');
-    if (start == std::string_view::npos || !text.ends_with('>'))
-        return {};
-    return elementName(text.substr(start + 1, text.size() - start - 2));
-}
-
 EventValues valuesOf(std::string_view line) {
     EventValues values(valueOrder);
     for (;;) {
         const std::size_t start = line.find(valueStart);
         if (start == std::string_view::npos)
             return values;
-        const std::string_view element = nameOfLastTag(line.substr(0, start));
+        const auto element = innermostOpenElement(line.substr(0, start));
         line.remove_prefix(start + valueStart.size());
         const std::size_t end = line.find(valueEnd);
         if (end == std::string_view::npos)
             return values;
-        values.add({element, line.substr(0, end)});
+        values.add({element ? element->name : std::string_view(), line.substr(0, end)});
         line.remove_prefix(end + valueEnd.size());
     }
 }

@@ -23,15 +23,6 @@ constexpr std::int64_t rowsOfAWheelTurn = 3;
 // Widths in twips of the grid columns 0 (hidden) to 5; column 6 takes what is left.
 constexpr std::array<std::int32_t, 6> columnWidths{0, 1900, 670, 800, 500, 540};
 
-std::string longitudeCondition(const MapBounds& bounds, const NumberLocale& locale) {
-    const bool crossesDateLine =
-        ParseDotDouble(bounds.west, locale) > ParseDotDouble(bounds.east, locale);
-    if (crossesDateLine)
-        return "((Longitude BETWEEN " + bounds.west +
-               " and 179.9999999 ) + (Longitude BETWEEN -179.9999999 and " + bounds.east + " ))";
-    return "(Longitude >= " + bounds.west + ") and (Longitude <= " + bounds.east + ")";
-}
-
 bool isMarked(std::string_view header) {
     return header.ends_with(' ');
 }
@@ -88,8 +79,7 @@ std::string EventsGrid::conditionOfVisibleRectangle(ProcedureTrace& trace) {
         range = BuildUtcRangeFilter(clock_.now(), settings_.RangeHoursOfEventsInMap, settings_,
                                     session_);
     });
-    return "(Latitude >= " + bounds.south + ") and (Latitude <= " + bounds.north + ") AND " +
-           longitudeCondition(bounds, locale_) + " AND " + range;
+    return rectangleCondition(bounds, locale_) + " AND " + range;
 }
 
 void EventsGrid::showResult() {
@@ -142,12 +132,30 @@ void EventsGrid::GridEvents_Click(std::int64_t row, int column) {
     if (row < 0 || row >= view_.rowCount())
         return;
     releaseColour();
-    view_.setRowSelected(row, true);
-    GridSelectedRow_ = row;
-    GridRowSelected_ = true;
+    colourRow(row);
     const std::string utc = view_.cell(row, utcColumn);
     eventoSelezionato(utc);
     map_.selectMarker(utc);
+}
+
+void EventsGrid::selectEventOfMap(std::string_view utc) {
+    const ProcedureTrace trace(errors_, module, "event_click_map");
+    releaseColour();
+    std::int64_t row = 1;
+    while (row < view_.rowCount() && view_.cell(row, utcColumn) != utc)
+        ++row;
+    if (row >= view_.rowCount())
+        return;
+    colourRow(row);
+    eventoSelezionato(utc);
+    if (!view_.rowVisible(row))
+        view_.setTopRow(row);
+}
+
+void EventsGrid::colourRow(std::int64_t row) {
+    view_.setRowSelected(row, true);
+    GridSelectedRow_ = row;
+    GridRowSelected_ = true;
 }
 
 void EventsGrid::GridEvents_SelChange() {

@@ -44,6 +44,10 @@ class EventsGrid {
     // towns are reported and its marker is selected on the map; any other row does nothing.
     void GridEvents_Click(std::int64_t row, int column);
 
+    // A marker was clicked on the map: the first row of that event gets the selection colour and is
+    // scrolled to, and its towns are reported. Nothing when the table does not show the event.
+    void selectEventOfMap(std::string_view utc);
+
     // The current row has moved: the selection colour is released.
     void GridEvents_SelChange();
 
@@ -60,6 +64,7 @@ class EventsGrid {
     bool queryRefused() const;
     std::string conditionOfVisibleRectangle(ProcedureTrace& trace);
     void showResult();
+    void colourRow(std::int64_t row);
     void releaseColour();
 
     Database& database_;

@@ -15,6 +15,7 @@ namespace {
 constexpr QRgb selectionColour = qRgb(128, 255, 255);
 // The light selection colour asks for dark text, also where the palette's own text is light.
 constexpr QRgb selectionTextColour = qRgb(0, 0, 0);
+constexpr QRgb greyTextColour = qRgb(128, 128, 128);
 
 bool isGridColumn(int column) {
     return column >= 0 && column < EventsGridModel::columns;
@@ -42,7 +43,7 @@ QVariant EventsGridModel::data(const QModelIndex& index, int role) const {
     case Qt::BackgroundRole:
         return index.row() == colouredRow_ ? QBrush(QColor(selectionColour)) : QVariant();
     case Qt::ForegroundRole:
-        return index.row() == colouredRow_ ? QBrush(QColor(selectionTextColour)) : QVariant();
+        return textColour(index.row());
     default:
         return {};
     }
@@ -59,6 +60,7 @@ void EventsGridModel::setRows(ResultSet rows) {
     // Swapped, not assigned: an assigned empty text would keep the memory of the old one.
     std::swap(rows_, rows);
     colouredRow_ = -1;
+    greyRows_ = {};
     endResetModel();
 }
 
@@ -83,6 +85,27 @@ void EventsGridModel::setColouredRow(int row) {
     const int before = std::exchange(colouredRow_, row);
     repaintRow(before);
     repaintRow(row);
+}
+
+void EventsGridModel::addGreyRows(const std::vector<int>& rows) {
+    greyRows_.resize(static_cast<std::size_t>(rowCount()));
+    for (const int row : rows)
+        if (row >= 0 && row < rowCount())
+            greyRows_[static_cast<std::size_t>(row)] = true;
+    if (rowCount() > 0)
+        Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columns - 1), {Qt::ForegroundRole});
+}
+
+bool EventsGridModel::isGrey(int row) const {
+    const auto number = static_cast<std::size_t>(row);
+    return number < greyRows_.size() && greyRows_[number];
+}
+
+// Grey stays grey under the selection colour.
+QVariant EventsGridModel::textColour(int row) const {
+    if (isGrey(row))
+        return QBrush(QColor(greyTextColour));
+    return row == colouredRow_ ? QBrush(QColor(selectionTextColour)) : QVariant();
 }
 
 void EventsGridModel::repaintRow(int row) {

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tremor {
 
@@ -27,7 +28,7 @@ class EventsGridModel : public QAbstractTableModel {
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
-    void setRows(ResultSet rows); // no row is coloured afterwards
+    void setRows(ResultSet rows); // no row is coloured or grey afterwards
     std::string_view cell(int row, int column) const;
 
     // Columns outside the table are ignored.
@@ -38,14 +39,20 @@ class EventsGridModel : public QAbstractTableModel {
     void setColouredRow(int row);
     int colouredRow() const { return colouredRow_; }
 
+    // Grey text for these rows too; rows outside the table are ignored.
+    void addGreyRows(const std::vector<int>& rows);
+
   private:
     void repaintRow(int row);
+    bool isGrey(int row) const;
+    QVariant textColour(int row) const;
 
     ResultSet rows_;
     // Until the first query names its columns, so that an empty table is not without heads.
     std::array<std::string, columns> headers_{"",   "UTC",   "Latitude", "Longitude",
                                               "Mg", "Depth", "Source"};
     int colouredRow_ = -1;
+    std::vector<bool> greyRows_; // empty while no row is grey
 };
 
 } // namespace tremor

@@ -121,6 +121,14 @@ void GridEvents::setRowSelected(std::int64_t row, bool selected) {
         model_->setColouredRow(-1);
 }
 
+void GridEvents::setRowsGrey(const std::vector<std::int64_t>& rows) {
+    std::vector<int> modelRows;
+    modelRows.reserve(rows.size());
+    for (const std::int64_t row : rows)
+        modelRows.push_back(modelRow(row));
+    model_->addGreyRows(modelRows);
+}
+
 bool GridEvents::rowVisible(std::int64_t row) const {
     const int index = modelRow(row);
     if (index < 0)

@@ -23,6 +23,7 @@ class GridEvents : public QTableView, public GridView {
     void setColumnWidth(int column, std::int32_t twips) override; // 0 hides the column
     std::string cell(std::int64_t row, int column) const override;
     void setRowSelected(std::int64_t row, bool selected) override;
+    void setRowsGrey(const std::vector<std::int64_t>& rows) override;
     bool rowVisible(std::int64_t row) const override;
     std::int64_t topRow() const override;
     void setTopRow(std::int64_t row) override;

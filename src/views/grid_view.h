@@ -1,10 +1,12 @@
 #pragma once
 
+#include "core/map_bounds.h"
 #include "database/database.h"
 
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tremor {
 
@@ -22,17 +24,11 @@ class GridView {
     virtual void setColumnWidth(int column, std::int32_t twips) = 0;
     virtual std::string cell(std::int64_t row, int column) const = 0;
     virtual void setRowSelected(std::int64_t row, bool selected) = 0; // the selection colour
+    // Grey text (0x808080), in addition to the rows that have it; setRows and clearRows end it.
+    virtual void setRowsGrey(const std::vector<std::int64_t>& rows) = 0;
     virtual bool rowVisible(std::int64_t row) const = 0;
     virtual std::int64_t topRow() const = 0;
     virtual void setTopRow(std::int64_t row) = 0;
-};
-
-// Rectangle of the workspace map, dot text in degrees.
-struct MapBounds {
-    std::string south;
-    std::string west;
-    std::string north;
-    std::string east;
 };
 
 // What the grid asks of the workspace map.

@@ -130,6 +130,18 @@ TEST(TextToDate, RefusesWhatIsNoDate) {
         }
 }
 
+TEST(DateToLocaleText, WritesTheShortDateOfTheLocaleAndTheTime) {
+    const DateTime date = at(2021, 1, 14, 5, 4, 26);
+    EXPECT_EQ(dateToLocaleText(date, point), "01/14/2021 05:04:26");
+    EXPECT_EQ(dateToLocaleText(date, comma), "14/01/2021 05:04:26");
+    NumberLocale other = comma;
+    other.dateOrder = DateOrder::YearMonthDay;
+    other.dateSeparator = '.';
+    EXPECT_EQ(dateToLocaleText(date, other), "2021.01.14 05:04:26");
+    for (const NumberLocale& locale : {point, comma})
+        EXPECT_EQ(textToDate(dateToLocaleText(date, locale), locale), date);
+}
+
 TEST(NormalizeDateText, GivesTheEmptyTextForANumber) {
     for (const char* text : {"2014", "20140307", "41705.5", "-1", "1E5", "&HFF"})
         EXPECT_EQ(NormalizeDateText(text, point), "") << text;

@@ -154,6 +154,20 @@ TEST(ErrorReport, WritesTheReportToTheLogAsOneMessage) {
     EXPECT_EQ(log.messages.front(), harness.prompts.lastErrorText);
 }
 
+TEST(ErrorReport, AsksWithATitleAndATextOfTheCaller) {
+    ErrorHarness harness;
+    RecordingLog log;
+    harness.errors.setLog(&log);
+    harness.prompts.expectRuntimeError("Please wait", ErrorAnswer::Retry);
+    EXPECT_EQ(harness.errors.ask("Title", "Please wait"), ErrorAnswer::Retry);
+    EXPECT_EQ(harness.prompts.lastErrorTitle, "Title");
+    EXPECT_EQ(harness.prompts.lastErrorText, "Please wait");
+    EXPECT_EQ(log.messages, std::vector<std::string>{"Please wait"});
+
+    harness.prompts.expectRuntimeError("Please wait", ErrorAnswer::Abort);
+    EXPECT_THROW(harness.errors.ask("Title", "Please wait"), ProcessEnded);
+}
+
 TEST(ErrorReport, HoldsTheTicksWhileTheBoxIsOpenAndHandsOnTheUnattendedSeconds) {
     BusyBox box;
     bool ticksHeld = false;

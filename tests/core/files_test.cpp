@@ -1,13 +1,13 @@
 #include "core/files.h"
 #include "support/error_of.h"
 #include "support/fakes.h"
+#include "support/file_size_limit.h"
+#include "support/ordinary_user.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 #include <stdlib.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,6 +23,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::errorOf;
+using testing::FileSizeLimit;
+using testing::OrdinaryUser;
 using testing::TemporaryFolder;
 
 void put(const std::string& path, const std::string& text) {
@@ -61,42 +63,6 @@ class TmpDir {
 
   private:
     std::optional<std::string> before_;
-};
-
-// Lets no file grow beyond a size: a failure in the middle of writing, for root as well.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        handler_ = ::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{bytes, before_.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        ::signal(SIGXFSZ, handler_);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    rlimit before_{};
-    void (*handler_)(int) = nullptr;
-};
-
-// Lays root's rights down, which no missing permission stops.
-class OrdinaryUser {
-  public:
-    OrdinaryUser() {
-        constexpr uid_t nobody = 65534;
-        EXPECT_EQ(::seteuid(before_ == 0 ? nobody : before_), 0);
-    }
-    ~OrdinaryUser() { EXPECT_EQ(::seteuid(before_), 0); }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-
-  private:
-    uid_t before_ = ::geteuid();
 };
 
 class Umask {
@@ -163,6 +129,17 @@ TEST_F(Files, AreReadUpToTheLimit) {
     put(path_, "12345");
     EXPECT_EQ(readWholeFile(path_, 5), "12345");
     EXPECT_EQ(errorOf([&] { readWholeFile(path_, 4); }), ErrorNumber::OutOfMemory);
+}
+
+TEST_F(Files, AreReadUpToTheBytesThatAreWanted) {
+    put(path_, "12345");
+    EXPECT_EQ(readFileHead(path_, 3), "123");
+    EXPECT_EQ(readFileHead(path_, 5), "12345");
+    EXPECT_EQ(readFileHead(path_, 100), "12345");
+    EXPECT_EQ(readFileHead(path_, 0), "");
+    EXPECT_EQ(errorOf([&] { readFileHead(folder_.file("missing"), 3); }),
+              ErrorNumber::FileNotFound);
+    EXPECT_EQ(errorOf([&] { readFileHead(folder_.path(), 3); }), ErrorNumber::PathFileAccessError);
 }
 
 TEST_F(Files, ThatCannotBeReadRaiseAnError) {
@@ -307,6 +284,51 @@ TEST_F(Files, AreWrittenOverTheRemainsOfACrash) {
     writeFileAtomically(path_, "new", false);
     EXPECT_EQ(readWholeFile(path_), "new");
     EXPECT_EQ(entriesIn(folder_.path()), 1);
+}
+
+TEST_F(Files, WrittenPieceByPieceStandWhenTheyAreComplete) {
+    put(path_, "old");
+    std::string text;
+    {
+        AtomicFile file(path_, false);
+        for (int i = 0; i < 50000; ++i) {
+            const std::string piece(static_cast<std::size_t>(i % 97), static_cast<char>(i));
+            file.append(piece);
+            text += piece;
+        }
+        const std::string large(3000000, 'x');
+        file.append(large);
+        file.append("end");
+        text += large + "end";
+        EXPECT_EQ(readWholeFile(path_), "old");
+        file.commit();
+    }
+    EXPECT_EQ(readWholeFile(path_), text);
+    EXPECT_EQ(entriesIn(folder_.path()), 1);
+}
+
+TEST_F(Files, WrittenPieceByPieceLeaveNothingWithoutACommit) {
+    put(path_, "old");
+    {
+        AtomicFile file(path_, false);
+        file.append(std::string(2000000, 'x'));
+        EXPECT_EQ(entriesIn(folder_.path()), 2);
+    }
+    EXPECT_EQ(readWholeFile(path_), "old");
+    EXPECT_EQ(entriesIn(folder_.path()), 1);
+}
+
+TEST_F(Files, WrittenPieceByPieceRaiseAnErrorAsSoonAsTheDiskIsFull) {
+    const FileSizeLimit limit(4096);
+    AtomicFile file(path_, false);
+    file.append("a");
+    EXPECT_EQ(errorOf([&] { file.append(std::string(1U << 20, 'x')); }), ErrorNumber::DiskFull);
+}
+
+TEST_F(Files, ThatAreTooLargeAreNotReadFirst) {
+    put(path_, "");
+    fs::resize_file(path_, 1ULL << 40); // without blocks on the disk
+    EXPECT_EQ(errorOf([&] { readWholeFile(path_); }), ErrorNumber::OutOfMemory);
 }
 
 TEST_F(Files, CreateFolderMakesParentsAndAcceptsWhatIsThere) {

@@ -76,7 +76,7 @@ TEST_F(OpenCatalogueTest, FillDBTablesClearsTheFlags) {
 
 TEST_F(CatalogueTest, CreateDatabaseMakesAllTablesAndTheVersionRow) {
     catalogue.fillDBTables();
-    catalogue.createDatabase("Italy", ".sqlite", "");
+    EXPECT_TRUE(catalogue.createDatabase("Italy", ".sqlite", ""));
     EXPECT_EQ(settings.Path, folder.path() + "/Italy.sqlite");
     EXPECT_EQ(log.messages, std::vector<std::string>{"Database Italy created."});
     EXPECT_FALSE(database.isOpen());
@@ -103,7 +103,7 @@ TEST_F(CatalogueTest, CreateDatabaseLeavesAnExistingFileAloneAndSaysSo) {
     prompts.expectBox("Database already exist.", "Error...", BoxIcon::Information, BoxButtons::Ok,
                       BoxAnswer::Ok);
     catalogue.fillDBTables();
-    catalogue.createDatabase("catalogue", ".sqlite", "");
+    EXPECT_FALSE(catalogue.createDatabase("catalogue", ".sqlite", ""));
     EXPECT_EQ(log.messages, std::vector<std::string>{"Database catalogue already exist."});
     EXPECT_EQ(settings.Path, "before");
     EXPECT_EQ(std::filesystem::file_size(folder.file("catalogue.sqlite")), 8U);
@@ -119,7 +119,7 @@ TEST_F(CatalogueTest, CreateDatabaseClosesTheOpenCatalogue) {
 
 TEST_F(CatalogueTest, CreateDatabaseTellsInTheLogWhatItCouldNotWrite) {
     catalogue.fillDBTables();
-    catalogue.createDatabase("x", ".sqlite", folder.file("missing/x.sqlite"));
+    EXPECT_FALSE(catalogue.createDatabase("x", ".sqlite", folder.file("missing/x.sqlite")));
     EXPECT_EQ(settings.Path, folder.file("missing/x.sqlite"));
     EXPECT_EQ(log.messages,
               (std::vector<std::string>{"Database x created.",

@@ -201,6 +201,74 @@ TEST_F(DatabaseTest, HandsARowSetOverAndLeavesTheSetEmpty) {
     EXPECT_EQ(database.slGetColumnCount(3), 0);
 }
 
+// --- rows one by one --------------------------------------------------------------------------
+
+TEST_F(EventsTest, HandsOverEachRowOfAQueryInTheFormOfAResultSet) {
+    insert("2016-08-24 01:36:32.000");
+    insert("a");
+    Rows rows;
+    EXPECT_EQ(database.slsEach("select UTC, Depth, \"null\", x'610062' from Events order by rowid",
+                               [&](const CurrentRow& row) {
+                                   rows.emplace_back();
+                                   for (int column = 1; column <= 4; ++column)
+                                       rows.back().emplace_back(row.text(column));
+                                   EXPECT_EQ(row.text(0), "");
+                                   EXPECT_EQ(row.text(-1), "");
+                                   EXPECT_EQ(row.text(5), "");
+                                   return true;
+                               }),
+              0);
+    EXPECT_EQ(rows,
+              (Rows{{"2016-08-24 01:36:32.000", "10.0", "", "a\0b"s}, {"a", "10.0", "", "a\0b"s}}));
+}
+
+TEST_F(DatabaseTest, EndsAQueryWhenTheVisitorWantsNoMore) {
+    int seen = 0;
+    const auto endless = "with recursive n(i) as (select 1 union all select i + 1 from n) select i "
+                         "from n";
+    EXPECT_EQ(database.slsEach(endless, [&](const CurrentRow&) { return ++seen < 3; }), 0);
+    EXPECT_EQ(seen, 3);
+    EXPECT_EQ(database.slGetError(), "0");
+}
+
+TEST_F(DatabaseTest, ReportsAnErrorBehindTheRowsThatItHandedOver) {
+    int seen = 0;
+    const auto sql = "with recursive n(i) as (select 1 union all select i + 1 from n where i < 9) "
+                     "select abs(case when i < 5 then i else -9223372036854775808 end) from n";
+    EXPECT_EQ(database.slsEach(sql, [&](const CurrentRow&) { return ++seen != 0; }), 1);
+    EXPECT_EQ(database.slGetError(), "1 integer overflow");
+    EXPECT_EQ(seen, 4);
+    EXPECT_EQ(database.slsEach("nonsense", [](const CurrentRow&) { return true; }), 1);
+    EXPECT_EQ(database.slsEach("", [](const CurrentRow&) { return true; }), 0);
+}
+
+TEST_F(EventsTest, RefusesOtherCallsWhileItHandsOverRows) {
+    insert("a");
+    EXPECT_EQ(database.slsEach("select UTC from Events",
+                               [&](const CurrentRow&) {
+                                   EXPECT_EQ(database.slsExe("delete from Events"), 21);
+                                   EXPECT_EQ(database.slsSel("select 1"), 21);
+                                   return true;
+                               }),
+              0);
+    EXPECT_EQ(count(), "1");
+}
+
+TEST_F(EventsTest, LetsAnExceptionOfTheVisitorOutAndGoesOnAfterwards) {
+    insert("a");
+    insert("b");
+    EXPECT_THROW(
+        database.slsEach("select UTC from Events", [](const CurrentRow&) -> bool { throw 7; }),
+        int);
+    EXPECT_EQ(database.slsExe("drop table Events"), 0); // no statement keeps it busy
+}
+
+TEST_F(DatabaseTest, HandsOverNothingWithoutAnOpenFile) {
+    database.slClose();
+    EXPECT_EQ(database.slsEach("select 1", [](const CurrentRow&) { return true; }), 21);
+    EXPECT_EQ(database.slGetError(), "21 no database is open");
+}
+
 // --- statements -----------------------------------------------------------------------------
 
 TEST_F(DatabaseTest, KeepsTheTextsOfCreateStatementsToTheLetter) {

@@ -43,6 +43,7 @@ std::string itemAt(const std::string& time) {
     return itemLine(item);
 }
 
+const std::string fourParts = "<item></link><a>1</a><b>2</b><c>3</c><d>4\n";
 const std::string event = "2020-12-30 21:14:43.000|42.90|0.20|2|2.2|EMSC";
 
 Texts parsed(const std::string& document, std::size_t incomplete = 0) {
@@ -153,6 +154,15 @@ TEST(ParseEmscEvents, KeepsAPartWholeWhenTheTagHasAnotherEnd) {
               Texts{"5.000|/link<a1|<b>2|3|4|EMSC"});
 }
 
+TEST(ParseEmscEvents, SeesTheNameOfAValueThatHoldsMarkup) {
+    Item item;
+    item.depth = "<10<br/> km<!-- fixed -->";
+    item.magnitude = "<![CDATA[ML 2.2]]>";
+    item.time = "<![CDATA[2020-12-30 21:14:43 UTC]]>";
+    EXPECT_EQ(parsed(header + itemHead + values(item) + "</item>\n"),
+              Texts{"2020-12-30 21:14:43.000|42.90|0.20|10|2.2|EMSC"});
+}
+
 TEST(ParseEmscEvents, GoesByTheNamesWhereTheOrderDiffers) {
     EXPECT_EQ(parsed(header + itemHead + element("status", "REVIEWED 7") +
                      element("emsc:time", "2020-12-30 21:14:43 UTC") +
@@ -169,7 +179,6 @@ TEST(ParseEmscEvents, LeavesItemsOutThatLackAValue) {
     const std::string noTime = itemHead + element("geo:lat", "1") + element("geo:long", "2") +
                                element("emsc:depth", "3") + element("emsc:magnitude", "4") +
                                "</item>\n";
-    const std::string fourParts = "<item></link><a>1</a><b>2</b><c>3\n";
     EXPECT_EQ(parsed(header + noDepth + noTime + fourParts + "<item>x\n" + itemLine(), 4),
               Texts{event});
 }
@@ -253,8 +262,7 @@ TEST_F(EmscSource, InsertsTheSecondOfTwoEqualTimesThatAreStoredAlready) {
 
 TEST_F(EmscSource, ReportsItemsWithFourPartsOnceAndImportsTheOthers) {
     harness.prompts.expectRuntimeError("Number: 9", ErrorAnswer::Ignore);
-    const std::string four = "<item></link><a>1</a><b>2</b><c>3\n";
-    read(header + four + itemLine() + four);
+    read(header + fourParts + itemLine() + fourParts);
     EXPECT_EQ(storedTimes(), Texts{"2020-12-30 21:14:43.000"});
     EXPECT_EQ(log.messages, (Texts{"1 Events imported from EMSC",
                                    "2 events lack a value and were not imported"}));

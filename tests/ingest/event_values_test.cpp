@@ -28,6 +28,27 @@ TEST(ElementName, IsEmptyForWhatOpensNoElement) {
         EXPECT_EQ(elementName(tag), "") << tag;
 }
 
+std::string openName(std::string_view text) {
+    const auto element = innermostOpenElement(text);
+    return element ? std::string(element->name) : "none";
+}
+
+TEST(InnermostOpenElement, IsTheLastOneThatIsNotClosed) {
+    EXPECT_EQ(openName("<a><geo:lat x='1'>42"), "lat");
+    EXPECT_EQ(openName("</time><longitude><uncertainty><b>1</b></uncertainty> "), "longitude");
+    EXPECT_EQ(openName("lat><geo:long>0.20>5"), "long");
+    EXPECT_EQ(innermostOpenElement("lat><long>0.20>5")->tagEnd, 9U);
+}
+
+TEST(InnermostOpenElement, IsNoneOfWhatOpensNoElement) {
+    EXPECT_EQ(openName("<a><!-- b --><?c?><d/><e /><![CDATA[f]]>< g><>1<2"), "a");
+}
+
+TEST(InnermostOpenElement, IsMissingWhereAllAreClosed) {
+    for (const std::string_view text : {"", "text", ">", "<", "</a>", "<a></a>", "<a></b></c>"})
+        EXPECT_EQ(openName(text), "none") << text;
+}
+
 TEST(EventValues, GoByPlaceWithoutNames) {
     const auto values =
         valuesOf({{"", "t"}, {"", "a"}, {"", "o"}, {"", "d"}, {"", "m"}, {"", "x"}});

@@ -100,6 +100,17 @@ TEST(ParseUsgsEvents, SeesTheNameInATagWithPrefixAttributesAndBlanks) {
               Texts{"0 2021-01-14 05:45:26.600|42.1|13.2|0|2.1|USGS"});
 }
 
+TEST(ParseUsgsEvents, SeesTheNameBehindAnUncertaintyThatStandsBeforeTheValue) {
+    const auto uncertain = [](std::string_view name, std::string_view text) {
+        return fmt::format("<{0}><uncertainty>0.1</uncertainty><!-- km --><flag/>{1}</{0}>", name,
+                           value(text));
+    };
+    EXPECT_EQ(parsed(eventHead + uncertain("time", time1) + uncertain("longitude", "13.2") +
+                     uncertain("latitude", "42.1") + uncertain("depth", "8400") +
+                     uncertain("mag", "2.1") + "\n"),
+              Texts{"0 2021-01-14 05:45:26.600|42.1|13.2|8.4|2.1|USGS"});
+}
+
 TEST(ParseUsgsEvents, PassesOverFurtherOriginsAndMomentTensors) {
     EXPECT_EQ(parsed(eventHead + element("scalarMoment", "1E+19") + element("time", time1) +
                      element("longitude", "13.2") + element("latitude", "42.1") +

@@ -114,7 +114,8 @@ std::vector<std::string> splitAt(const std::string& text, char separator) {
 
 } // namespace
 
-Journey::Journey(const std::vector<std::string>& settingsLines) {
+Journey::Journey(const std::vector<std::string>& settingsLines,
+                 const std::vector<std::string>& locators) {
     std::string pattern = (fs::temp_directory_path() / "tremor-journey-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr)
         throw std::runtime_error("no temporary folder");
@@ -132,9 +133,12 @@ Journey::Journey(const std::vector<std::string>& settingsLines) {
     display_ = desktop({"display", folder_ + "/desktop"});
     display_.erase(display_.find_last_not_of('\n') + 1);
 
-    services_ = spawn({TREMOR_PRACTICE_FEEDS, "--port", "0", "--data", TREMOR_TEST_DATA, "--every",
-                       "0", "--hosts-ini", file("hosts.ini")},
-                      folder_ + "/services.log", {});
+    std::vector<std::string> services{TREMOR_PRACTICE_FEEDS, "--port",  "0", "--data",
+                                      TREMOR_TEST_DATA,      "--every", "0", "--hosts-ini",
+                                      file("hosts.ini")};
+    for (const std::string& locator : locators)
+        services.insert(services.end(), {"--" + locator, file(locator)});
+    services_ = spawn(services, folder_ + "/services.log", {});
     if (!waitUntil([&] { return readFile("hosts.ini").find("Ingv=") != std::string::npos; }, 20s))
         throw std::runtime_error("the practice services did not start: " +
                                  readText(folder_ + "/services.log"));
@@ -332,19 +336,29 @@ std::string Journey::queryOne(const std::string& catalogue, const std::string& s
     return result;
 }
 
+void Journey::change(const std::string& catalogue, const std::string& sql) const {
+    sqlite3* raw = nullptr;
+    sqlite3_open_v2(file(catalogue).c_str(), &raw, SQLITE_OPEN_READWRITE, nullptr);
+    const std::unique_ptr<sqlite3, int (*)(sqlite3*)> connection(raw, sqlite3_close);
+    sqlite3_busy_timeout(raw, 5000);
+    if (sqlite3_exec(raw, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        throw std::runtime_error(sqlite3_errmsg(raw));
+}
+
+// A real number in its shortest form.
+std::string numberInCatalogue(const std::string& text) {
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    stream.precision(15);
+    stream << std::stod(text);
+    std::string result = stream.str();
+    if (result.find_first_of(".e") == std::string::npos)
+        result += ".0";
+    return result;
+}
+
 std::vector<EventRow> rowsOfDocument(const std::string& document) {
     std::vector<EventRow> rows;
-    // A number column keeps what SQLite makes of the text: a real number in its shortest form.
-    const auto real = [](const std::string& text) {
-        std::ostringstream stream;
-        stream.imbue(std::locale::classic());
-        stream.precision(15);
-        stream << std::stod(text);
-        std::string result = stream.str();
-        if (result.find_first_of(".e") == std::string::npos)
-            result += ".0";
-        return result;
-    };
     for (const std::string& line : splitAt(document, '\n')) {
         const std::vector<std::string> fields = splitAt(line, '|');
         if (fields.size() < 13 || line[0] == '#')
@@ -352,8 +366,8 @@ std::vector<EventRow> rowsOfDocument(const std::string& document) {
         std::string utc = fields[1];
         std::replace(utc.begin(), utc.end(), 'T', ' ');
         utc.resize(utc.size() - 3);
-        rows.push_back(
-            {utc, real(fields[2]), real(fields[3]), real(fields[4]), real(fields[10]), fields[5]});
+        rows.push_back({utc, numberInCatalogue(fields[2]), numberInCatalogue(fields[3]),
+                        numberInCatalogue(fields[4]), numberInCatalogue(fields[10]), fields[5]});
     }
     return rows;
 }

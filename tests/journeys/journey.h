@@ -34,8 +34,10 @@ struct Rectangle {
 class Journey {
   public:
     // Starts display and services and lays out the folder: the executable, its shared files, a
-    // hosts.ini that points at the services, and the given lines of settings.ini.
-    explicit Journey(const std::vector<std::string>& settingsLines);
+    // hosts.ini that points at the services, and the given lines of settings.ini. The named local
+    // locators, "seiscomp" or "liveloc", write into folders of these names beside the program.
+    explicit Journey(const std::vector<std::string>& settingsLines,
+                     const std::vector<std::string>& locators = {});
     ~Journey();
     Journey(const Journey&) = delete;
     Journey& operator=(const Journey&) = delete;
@@ -72,6 +74,7 @@ class Journey {
     std::map<std::string, std::string> settings() const; // key -> value of settings.ini
     std::vector<EventRow> events(const std::string& catalogue) const;
     std::string queryOne(const std::string& catalogue, const std::string& sql) const;
+    void change(const std::string& catalogue, const std::string& sql) const; // as a stranger
 
   private:
     std::string desktop(const std::vector<std::string>& arguments);
@@ -82,6 +85,9 @@ class Journey {
     pid_t services_ = -1;
     pid_t program_ = -1;
 };
+
+// What a number column of the catalogue gives back for this text.
+std::string numberInCatalogue(const std::string& text);
 
 // The rows that the import rules make of an INGV document in FDSN text format, worked out here
 // on their own: one for each line with at least 13 fields that is no remark.

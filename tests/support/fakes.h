@@ -200,7 +200,11 @@ class RecordingStatusPanel : public StatusPanel {
     void setDownloadSize(std::string_view text) override { sizeTexts.emplace_back(text); }
     void setProgressRange(int low, int high) override { minimum = low, maximum = high; }
     void setProgress(int value) override { values.push_back(value); }
+    std::string statusText() const override {
+        return statusTexts.empty() ? std::string() : statusTexts.back();
+    }
     int progressMaximum() const override { return maximum; }
+    int progress() const override { return values.empty() ? minimum : values.back(); }
 
     std::vector<std::string> statusTexts;
     std::vector<std::string> eventsTexts;

@@ -26,6 +26,9 @@ class EventsGridModelTest : public ::testing::Test {
     QColor background(int row) const {
         return model.data(model.index(row, 1), Qt::BackgroundRole).value<QBrush>().color();
     }
+    QColor foreground(int row) const {
+        return model.data(model.index(row, 1), Qt::ForegroundRole).value<QBrush>().color();
+    }
 
     testing::TemporaryFolder folder;
     Database database;
@@ -89,6 +92,41 @@ TEST_F(EventsGridModelTest, LosesTheColourWithItsRows) {
     model.setRows(rows("select 'b'"));
     EXPECT_EQ(model.colouredRow(), -1);
     EXPECT_FALSE(model.data(model.index(0, 1), Qt::BackgroundRole).isValid());
+}
+
+TEST_F(EventsGridModelTest, WritesRowsInGreyInAdditionToThoseThatAreGrey) {
+    model.setRows(rows("select 'a' union all select 'b' union all select 'c'"));
+    EXPECT_FALSE(model.data(model.index(0, 1), Qt::ForegroundRole).isValid());
+    model.addGreyRows({0});
+    model.addGreyRows({2, -1, 3});
+    EXPECT_EQ(foreground(0), QColor(128, 128, 128));
+    EXPECT_FALSE(model.data(model.index(1, 1), Qt::ForegroundRole).isValid());
+    EXPECT_EQ(foreground(2), QColor(128, 128, 128));
+    EXPECT_FALSE(model.data(model.index(0, 1), Qt::BackgroundRole).isValid());
+}
+
+TEST_F(EventsGridModelTest, KeepsTheGreyOfARowWithTheSelectionColour) {
+    model.setRows(rows("select 'a'"));
+    model.addGreyRows({0});
+    model.setColouredRow(0);
+    EXPECT_EQ(foreground(0), QColor(128, 128, 128));
+    EXPECT_EQ(background(0), QColor(128, 255, 255));
+}
+
+TEST_F(EventsGridModelTest, LosesTheGreyWithItsRows) {
+    model.setRows(rows("select 'a'"));
+    model.addGreyRows({0});
+    model.setRows(rows("select 'a'"));
+    EXPECT_FALSE(model.data(model.index(0, 1), Qt::ForegroundRole).isValid());
+}
+
+TEST_F(EventsGridModelTest, TellsTheViewsOnceThatTextHasTurnedGrey) {
+    model.addGreyRows({0}); // no row, nothing to tell
+    model.setRows(rows("select 'a' union all select 'b'"));
+    int changes = 0;
+    QObject::connect(&model, &EventsGridModel::dataChanged, &model, [&] { ++changes; });
+    model.addGreyRows({0, 1});
+    EXPECT_EQ(changes, 1);
 }
 
 TEST_F(EventsGridModelTest, HasHeadersBeforeTheFirstQuery) {

@@ -51,7 +51,8 @@ class MemoryGrid : public GridView {
         else
             colouredRows.erase(row);
     }
-    bool rowVisible(std::int64_t) const override { return true; }
+    void setRowsGrey(const std::vector<std::int64_t>&) override {}
+    bool rowVisible(std::int64_t row) const override { return row != hiddenRow; }
     std::int64_t topRow() const override { return top; }
     void setTopRow(std::int64_t row) override { top = row; }
 
@@ -66,6 +67,7 @@ class MemoryGrid : public GridView {
     std::map<int, std::int32_t> widths;
     std::set<std::int64_t> colouredRows;
     std::int64_t top = 1;
+    std::int64_t hiddenRow = 0; // the one row that is scrolled out of sight
 
   private:
     ResultSet rows_;
@@ -454,6 +456,42 @@ TEST_F(EventsGridTest, LosesTheColourByAFill) {
     view.setRowSelected(2, true); // somebody else's colour, no longer the selection's
     grid->GridEvents_SelChange();
     EXPECT_EQ(view.colouredRows, (std::set<std::int64_t>{2}));
+}
+
+// A marker clicked on the map
+
+TEST_F(EventsGridTest, SelectsTheRowOfAnEventOfTheMapAndScrollsToIt) {
+    addThree();
+    grid->FillGridEvents(everything, "", "");
+    grid->GridEvents_Click(1, 1);
+    report.events.clear();
+    map.calls.clear();
+    view.hiddenRow = 3;
+    grid->selectEventOfMap("2014-03-07 01:00:00.000");
+    EXPECT_EQ(view.colouredRows, (std::set<std::int64_t>{3}));
+    EXPECT_EQ(view.top, 3);
+    ASSERT_EQ(report.events.size(), 1U);
+    EXPECT_EQ(report.events.front().utc, "2014-03-07 01:00:00.000");
+    EXPECT_TRUE(map.calls.empty()); // the marker was what was clicked
+    grid->GridEvents_SelChange();
+    EXPECT_TRUE(view.colouredRows.empty());
+}
+
+TEST_F(EventsGridTest, LeavesAVisibleRowOfTheMapWhereItIs) {
+    addThree();
+    grid->FillGridEvents(everything, "", "");
+    grid->selectEventOfMap("2014-03-07 01:00:00.000");
+    EXPECT_EQ(view.top, 1);
+}
+
+TEST_F(EventsGridTest, OnlyReleasesTheColourForAnEventOfTheMapThatItDoesNotShow) {
+    addThree();
+    grid->FillGridEvents(everything, "", "");
+    grid->GridEvents_Click(2, 1);
+    report.events.clear();
+    grid->selectEventOfMap("1999-01-01 00:00:00.000");
+    EXPECT_TRUE(view.colouredRows.empty());
+    EXPECT_TRUE(report.events.empty());
 }
 
 // eventoSelezionato

@@ -16,6 +16,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -109,6 +110,16 @@ class GridEventsTest : public ::testing::Test {
             for (int x = 0; x < image.width(); ++x)
                 count += image.pixelColor(x, y) == colour ? 1 : 0;
         return count;
+    }
+    // Lightness of the darkest pixel of a time, 0 to 255, without the grid lines.
+    int darkest(int row) {
+        const QRect cell = view.visualRect(view.model()->index(row - 1, 1));
+        const QImage image = view.viewport()->grab(cell).toImage();
+        int lightness = 255;
+        for (int y = 0; y < image.height() - 1; ++y)
+            for (int x = 0; x < image.width() - 1; ++x)
+                lightness = std::min(lightness, image.pixelColor(x, y).lightness());
+        return lightness;
     }
     int cellArea(int row) {
         const QRect cell = view.visualRect(view.model()->index(row - 1, 1));
@@ -334,6 +345,17 @@ TEST_F(GridEventsTest, LosesTheColourWithTheRows) {
     view.setRowSelected(2, true);
     fill(3);
     EXPECT_EQ(pixels(2, selectionColour), 0);
+}
+
+TEST_F(GridEventsTest, WritesRowsInGreyUntilTheRowsChange) {
+    fill(3);
+    view.setRowsGrey({0, 2, 4});
+    EXPECT_LT(darkest(1), 60);
+    EXPECT_GE(darkest(2), 128);
+    EXPECT_LT(darkest(2), 200); // the text is there
+    EXPECT_LT(darkest(3), 60);
+    fill(3);
+    EXPECT_LT(darkest(2), 60);
 }
 
 TEST_F(GridEventsTest, IgnoresTheColourOfTheHeaderAndOfRowsThatAreNotThere) {

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "core/ports.h"
+
+#include <chrono>
+
+namespace tremor {
+
+// Keeps the windows painted during work that nothing may interrupt, however often it is called.
+class PacedRepaint {
+  public:
+    explicit PacedRepaint(Clock& clock) : clock_(clock), last_(clock.steady()) {}
+
+    void operator()() {
+        const std::chrono::milliseconds now = clock_.steady();
+        if (now - last_ < pace)
+            return;
+        last_ = now;
+        clock_.repaint();
+    }
+
+  private:
+    static constexpr std::chrono::milliseconds pace{30};
+
+    Clock& clock_;
+    std::chrono::milliseconds last_;
+};
+
+} // namespace tremor

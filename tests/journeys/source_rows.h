@@ -1,0 +1,23 @@
+#pragma once
+
+#include "journeys/journey.h"
+
+#include <string>
+#include <vector>
+
+// The rows that the readers make of what a source says, worked out here on their own.
+namespace tremor::journeys {
+
+// Of a QuakeML document of the USGS: one for each `event` element.
+std::vector<EventRow> rowsOfQuakeMl(const std::string& document);
+
+// Of the EMSC's RSS: one for each item.
+std::vector<EventRow> rowsOfRss(const std::string& document);
+
+// Of SeisComP's file "last" with one solution.
+EventRow rowOfBulletin(const std::string& bulletin);
+
+// Of a located S-file.
+EventRow rowOfSFile(const std::string& text);
+
+} // namespace tremor::journeys
