@@ -17,6 +17,7 @@
 #include "core/dates.h"
 #include "core/files.h"
 #include "core/panel.h"
+#include "core/panel_browsers.h"
 #include "core/qt_clock.h"
 #include "nobody.h"
 #include "shell_reference.h"
@@ -59,8 +60,10 @@ class AnswerFromMemory : public FileTransfer {
 struct Window {
     Window(const std::string& folder, const std::string& host, FileTransfer& transfer) {
         hosts.InternetProbe = host;
-        form = std::make_unique<panel>(PanelEnvironment{session, prompts, clock, errors, hosts,
-                                                        folder, NumberLocale::point(), &transfer});
+        browsers = std::make_unique<QtBrowserMaker>(hosts, folder, clock);
+        form =
+            std::make_unique<panel>(PanelEnvironment{session, prompts, clock, errors, hosts, folder,
+                                                     NumberLocale::point(), *browsers, &transfer});
     }
     ~Window() {
         form->close();
@@ -72,6 +75,7 @@ struct Window {
     QtClock clock{session};
     ErrorReport errors{prompts, [] { std::abort(); }, 0, session.TicksHeld};
     Hosts hosts;
+    std::unique_ptr<QtBrowserMaker> browsers;
     std::unique_ptr<panel> form;
 };
 
@@ -174,6 +178,7 @@ struct Bench {
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    tremor::registerMapScheme();
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     return benchmarkMain(argc, argv, [](std::int64_t rows) {

@@ -1,11 +1,13 @@
 #include "core/error_report.h"
 #include "core/hosts.h"
 #include "core/panel.h"
+#include "core/panel_browsers.h"
 #include "core/prerequisites.h"
 #include "core/qt_clock.h"
 #include "core/qt_prompts.h"
 #include "core/qt_text.h"
 #include "core/session.h"
+#include "map/map_site.h"
 
 #include <QtCore/QDir>
 #include <QtWidgets/QApplication>
@@ -17,6 +19,7 @@
 int main(int argc, char* argv[]) {
     // Settings, logs and downloads hold passwords and are nobody else's business.
     umask(077);
+    tremor::registerMapScheme();
     QApplication application(argc, argv);
     QApplication::setStyle(QStringLiteral("Fusion"));
     // The main window says when it is over; no other window's end ends the program.
@@ -37,8 +40,9 @@ int main(int argc, char* argv[]) {
     if (!tremor::checkPrerequisites(parts, prompts, errors))
         return 0;
 
-    tremor::panel window(
-        {session, prompts, clock, errors, hosts, applicationPath, tremor::numberLocale()});
+    tremor::QtBrowserMaker browsers(hosts, applicationPath, clock);
+    tremor::panel window({session, prompts, clock, errors, hosts, applicationPath,
+                          tremor::numberLocale(), browsers});
     prompts.setParentWindow(&window);
     // Closing can happen deep inside a wait: the loop ends once everything has returned to it.
     QObject::connect(&window, &tremor::panel::unloaded, &application, &QCoreApplication::quit,

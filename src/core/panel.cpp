@@ -12,6 +12,7 @@
 #include <QtGui/QWheelEvent>
 #include <QtGui/QWindow>
 #include <QtWidgets/QApplication>
+#include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
 #include <QtWidgets/QMenuBar>
@@ -98,6 +99,7 @@ panel::panel(const PanelEnvironment& environment)
     setMinimumSize(pixels(minimumFormSize.width), pixels(minimumFormSize.height));
     connectMenu();
     connectGrid();
+    connectMap();
     widgets_.Frame2->installEventFilter(this);
     TimerCheckScreenshot_.start();
 }
@@ -122,7 +124,22 @@ void panel::connectMenu() {
     onClick("mnu_imp_seiscomp2_6", [this] { components_.seisComp.readSeisCompVers2_6(true, {}); });
     onClick("mnu_Exit", [this] { close(); });
     onClick("mnuUpdateWRKwithEvents", &panel::mnuUpdateWRKwithEvents_Click);
+    onClick("mnuShowFaults",
+            [this](bool checked) { components_.map.overlays().mnuShowFaults_Click(checked); });
+    onClick("mnuShowStations",
+            [this](bool checked) { components_.map.overlays().mnuShowStations_Click(checked); });
     onClick("mnu_About", &panel::mnu_About_Click);
+}
+
+void panel::connectMap() {
+    const auto onClick = [this](QCheckBox* box, void (MapOverlays::*handler)(bool)) {
+        connect(box, &QCheckBox::clicked, this,
+                [this, handler](bool checked) { (components_.map.overlays().*handler)(checked); });
+    };
+    onClick(widgets_.chk_fault, &MapOverlays::chk_fault_Click);
+    onClick(widgets_.chk_Legend, &MapOverlays::chk_Legend_Click);
+    onClick(widgets_.chk_SearchMode, &MapOverlays::chk_SearchMode_Click);
+    onClick(widgets_.chk_ShowStations, &MapOverlays::chk_ShowStations_Click);
 }
 
 void panel::connectGrid() {

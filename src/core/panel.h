@@ -47,6 +47,7 @@ class panel : public QMainWindow {
   private:
     void connectMenu();
     void connectGrid();
+    void connectMap();
 
     // Parts of Form_Load.
     void showAtStoredSize();

@@ -17,6 +17,7 @@ PanelComponents::PanelComponents(const PanelEnvironment& given, QMainWindow& win
       settingsUtilities(settings, given.errors,
                         {given.applicationPath, screenWidth, screenHeight, given.locale}),
       earth(given.locale, given.errors),
+      map(given.browsers, widgets, *this),
       townsList(widgets),
       towns(database, given.locale, earth, townsList, given.errors),
       steps(widgets, *this),

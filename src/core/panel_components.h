@@ -4,6 +4,7 @@
 #include "core/error_report.h"
 #include "core/hosts.h"
 #include "core/number_locale.h"
+#include "core/panel_map.h"
 #include "core/panel_steps.h"
 #include "core/ports.h"
 #include "core/session.h"
@@ -40,6 +41,7 @@ struct PanelEnvironment {
     Hosts hosts;
     std::string applicationPath; // folder of the executable, no "/" at its end
     NumberLocale locale;
+    BrowserMaker& browsers;
     FileTransfer* transfer = nullptr; // null: the real network
 };
 
@@ -64,8 +66,8 @@ struct PanelComponents {
     PanelControlStates controls;
     ActivityLog log;
     SettingsUtilities settingsUtilities;
-    WholeWorldMap map;
     PanelEarth earth;
+    PanelMap map;
     PanelTowns townsList;
     NearbyTowns towns;
     PanelSteps steps;

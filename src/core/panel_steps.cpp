@@ -51,13 +51,16 @@ int PanelStatus::progress() const {
 
 void PanelControlStates::controlliForm(std::int32_t state) {
     const ControlsChange change = controlsChange(state);
-    for (const std::string_view name : change.names) {
-        const QString objectName = fromBytes(name);
-        if (auto* control = window_.findChild<QWidget*>(objectName))
-            control->setEnabled(change.enabled);
-        else if (auto* item = window_.findChild<QAction*>(objectName))
-            item->setEnabled(change.enabled);
-    }
+    for (const std::string_view name : change.names)
+        setEnabled(name, change.enabled);
+}
+
+void PanelControlStates::setEnabled(std::string_view objectName, bool enabled) {
+    const QString name = fromBytes(objectName);
+    if (auto* control = window_.findChild<QWidget*>(name))
+        control->setEnabled(enabled);
+    else if (auto* item = window_.findChild<QAction*>(name))
+        item->setEnabled(enabled);
 }
 
 void PanelControlStates::setCaption(std::string_view caption) {
@@ -128,7 +131,65 @@ bool PanelSteps::openDB() {
 
 void PanelSteps::EnableDisableWebBrowser(bool on) {
     if (!on)
-        mapPageLoaded_ = false;
+        components_.map.leaveMaps();
+}
+
+bool PanelSteps::mapPageLoaded() {
+    return components_.map.mapPageLoaded();
+}
+
+void PanelSteps::generaDefaultCSS() {
+    components_.map.pages().generaDefaultCSS();
+}
+
+void PanelSteps::Maps() {
+    components_.map.reloadMap();
+}
+
+void PanelSteps::MapsLastEvent() {
+    components_.map.reloadLastEventMap();
+}
+
+void PanelSteps::savingWorkspacePage() {
+    components_.map.pages().MapsSavingWrkS();
+}
+
+void PanelSteps::webPageForKml() {
+    components_.map.pages().MapsWebKml();
+}
+
+void PanelSteps::webPageForCsv() {
+    components_.map.pages().MapsWebCsv();
+}
+
+void PanelSteps::setObjectHTML() {
+    components_.map.bridge().setObjectHTML();
+}
+
+void PanelSteps::boundsVisualizedMap() {
+    components_.map.readView();
+}
+
+// Without any map, before the first start of all services or without the Internet, the table
+// follows the catalogue all the same.
+bool PanelSteps::mapIsLive() {
+    return components_.map.bridge().mapIsLive() || !components_.map.mapPageLoaded();
+}
+
+void PanelSteps::removeAll() {
+    components_.map.removeAll();
+}
+
+void PanelSteps::eventsInMap(std::string_view sql) {
+    components_.map.eventsInMap(sql);
+}
+
+void PanelSteps::clickEventi() {
+    components_.map.clickEventi();
+}
+
+void PanelSteps::pin2gif(std::string_view lastEventSql) {
+    components_.map.pin2gif(lastEventSql);
 }
 
 void PanelSteps::controlliForm(int state) {

@@ -46,12 +46,15 @@ class PanelControlStates : public PanelControls {
     void controlliForm(std::int32_t state) override;
     void setCaption(std::string_view caption) override;
 
+    // A control or menu item by its object name; nothing when there is none.
+    void setEnabled(std::string_view objectName, bool enabled);
+
   private:
     QMainWindow& window_;
 };
 
-// The outward steps of the subsystems that the program does not have: maps and snapshots, the
-// ISIDE source, workspaces, the chart, notifications. They do nothing, which is what each of them
+// The outward steps of the subsystems that the program does not have: snapshots, the ISIDE source,
+// workspaces, the chart, notifications. They do nothing, which is what each of them
 // does when it is switched off or finds no page.
 class AbsentSubsystems : public TickSteps,
                          public ServiceSteps,
@@ -67,22 +70,7 @@ class AbsentSubsystems : public TickSteps,
     // Sources.
     void downloadCsvFromIside() override {}
 
-    // Pages.
-    void generaDefaultCSS() override {}
-    void Maps() override {}
-    void MapsLastEvent() override {}
-    void savingWorkspacePage() override {}
-    void webPageForKml() override {}
-    void webPageForCsv() override {}
-    virtual void setObjectHTML() {}
-
-    // Map, chart and the newest event.
-    bool mapIsLive() override { return true; }
-    void removeAll() override {}
-    void eventsInMap(std::string_view) override {}
-    void clickEventi() override {}
-    void pin2gif(std::string_view) override {}
-    void boundsVisualizedMap() override {}
+    // The chart and the newest event.
     void pictureMagnitudeEvents() override {}
     void repaintChart() override {}
     void positioningWbrLast() override {}
@@ -127,14 +115,6 @@ class PanelTowns : public TownsList {
     PanelWidgets& widgets_;
 };
 
-// The view of the grid on a workspace map that is not there.
-class WholeWorldMap : public GridMap {
-  public:
-    void removeAll() override {}
-    MapBounds boundsVisualizedMap() override { return {"-90", "-180", "90", "180"}; }
-    void selectMarker(std::string_view) override {}
-};
-
 // Carries the outward steps of the logic over to the components of the main window.
 class PanelSteps : public AbsentSubsystems {
   public:
@@ -143,8 +123,7 @@ class PanelSteps : public AbsentSubsystems {
 
     void setCountdownText(std::string_view text) override;
     bool IsInternetUp() override;
-    // True from Maps() on, until EnableDisableWebBrowser(false) navigates to "about:blank".
-    bool mapPageLoaded() override { return mapPageLoaded_; }
+    bool mapPageLoaded() override;
     void refreshLogList() override;
     void startServices() override;
     void downloadCsvFromIngv() override;
@@ -158,10 +137,23 @@ class PanelSteps : public AbsentSubsystems {
     bool openDB() override;
     void EnableDisableWebBrowser(bool on) override;
     void controlliForm(int state) override;
-    void Maps() override { mapPageLoaded_ = true; }
+    void generaDefaultCSS() override;
+    void Maps() override;
+    void MapsLastEvent() override;
+    void savingWorkspacePage() override;
+    void webPageForKml() override;
+    void webPageForCsv() override;
+    void setObjectHTML();
+    void boundsVisualizedMap() override;
     void moveSaveMapsOutOfSight() override;
     void FillGridEvents(std::string_view filter, std::string_view fallbackFilter,
                         std::string_view order) override;
+
+    bool mapIsLive() override;
+    void removeAll() override;
+    void eventsInMap(std::string_view sql) override;
+    void clickEventi() override;
+    void pin2gif(std::string_view lastEventSql) override;
 
     // The page area of the snapshots goes to the left of the window's area.
     void moveSaveMapsAside();
@@ -169,7 +161,6 @@ class PanelSteps : public AbsentSubsystems {
   private:
     PanelWidgets& widgets_;
     PanelComponents& components_;
-    bool mapPageLoaded_ = false;
 };
 
 } // namespace tremor

@@ -117,10 +117,8 @@ void PanelWidgets::makeLeftColumn() {
 void PanelWidgets::makeWorkspace() {
     FrmWorkspace = frame(centre_, "FrmWorkspace", QStringLiteral("Workspace"));
     makeWorkspaceCommands();
-    picScaleControl =
-        surface(FrmWorkspace, "picScaleControl", QStringLiteral("Scale of the workspace map"));
-    picScaleControl->setFrameShape(QFrame::NoFrame);
-    picScaleControl->setAutoFillBackground(false); // a bar on the frame's own ground
+    picScaleControl = named(new ScaleBar(FrmWorkspace), "picScaleControl");
+    picScaleControl->setAccessibleName(QStringLiteral("Scale of the workspace map"));
     makeWorkspaceChecks();
     txtMouseCoord = named(new QLineEdit(FrmWorkspace), "txtMouseCoord");
     txtMouseCoord->setReadOnly(true);
@@ -160,7 +158,6 @@ void PanelWidgets::makeWorkspaceChecks() {
     const auto check = [&](const char* objectName, const QString& caption) {
         auto* widget = named(new QCheckBox(caption, workspaceChecks_), objectName);
         row->addWidget(widget);
-        widget->setEnabled(false);
         return widget;
     };
     chk_fault = check("chk_fault", QStringLiteral("Show Fa&ults"));

@@ -2,6 +2,7 @@
 
 #include "core/log_list.h"
 #include "core/panel_layout.h"
+#include "map/scale_bar.h"
 #include "views/events_grid_view.h"
 
 class QCheckBox;
@@ -48,7 +49,7 @@ class PanelWidgets {
     QCheckBox* chk_Legend = nullptr;
     QCheckBox* chk_SearchMode = nullptr;
     QCheckBox* chk_ShowStations = nullptr;
-    QFrame* picScaleControl = nullptr;
+    ScaleBar* picScaleControl = nullptr;
     QLineEdit* txtMouseCoord = nullptr;
     QFrame* WebBrowser1 = nullptr;
 

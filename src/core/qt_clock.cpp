@@ -3,6 +3,7 @@
 #include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDateTime>
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QEventLoop>
 #include <QtCore/QScopedValueRollback>
 #include <QtCore/QTimer>
@@ -12,6 +13,9 @@ namespace {
 
 // The longest that one pump goes on while handlers keep making new events.
 constexpr int pumpLimitMs = 20;
+
+// How often a wait looks whether it has to end.
+constexpr std::chrono::milliseconds waitTurn{20};
 
 // Keeps sockets from being heard while it lives; what they have waits in them. The event loop's
 // own flag for this is not heeded by the GLib loop, on which Qt runs on most desktops.
@@ -62,6 +66,21 @@ void QtClock::repaint() {
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     // The call has used up the signal by which the waiting input was announced.
     QAbstractEventDispatcher::instance()->wakeUp();
+}
+
+bool QtClock::waitWithoutInput(const std::function<bool()>& done, std::chrono::milliseconds limit) {
+    const QScopedValueRollback held(session_.TicksHeld, true);
+    const QDeadlineTimer deadline(limit);
+    QTimer alarm; // so that the loop wakes when nothing else happens
+    alarm.start(waitTurn);
+    while (!done() && !session_.waitsMustEnd()) {
+        if (deadline.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
+                                        QEventLoop::WaitForMoreEvents);
+    }
+    QAbstractEventDispatcher::instance()->wakeUp();
+    return true;
 }
 
 } // namespace tremor

@@ -3,6 +3,9 @@
 #include "core/ports.h"
 #include "core/session.h"
 
+#include <chrono>
+#include <functional>
+
 namespace tremor {
 
 // The clock of the machine and the waits of the user-interface thread. The only place of the
@@ -23,6 +26,14 @@ class QtClock : public Clock {
 
     // Does nothing when called from within itself (by a handler of what it let through).
     void repaint() override;
+
+    // Waits until `done` is true, for at most `limit`; true when it became so. Meanwhile ticks are
+    // held and the operator's input stays queued, as in repaint(); replies of other processes and
+    // of the network come in. Ends early, with true, when the program closes.
+    bool waitWithoutInput(const std::function<bool()>& done, std::chrono::milliseconds limit);
+
+    // True while nothing may re-enter: what wants to start a handler by itself waits until then.
+    bool ticksHeld() const { return session_.TicksHeld; }
 
   private:
     Session& session_;

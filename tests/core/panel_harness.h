@@ -1,16 +1,19 @@
 #pragma once
 
 #include "core/panel.h"
+#include "map/recording_web_browser.h"
 #include "support/fakes.h"
 #include "support/reachable_host.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QString>
+#include <QtCore/QTimer>
 
 #include <fmt/format.h>
 
 #include <fstream>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -55,6 +58,36 @@ class WatchedPrompts : public ScriptedPrompts {
         if (whileOpen)
             whileOpen();
     }
+};
+
+// A page that completes at the next turn of the event loop.
+class CompletingBrowser : public RecordingWebBrowser {
+  public:
+    CompletingBrowser() { stateAfterNavigate = complete; }
+    void Navigate(std::string_view target) override {
+        RecordingWebBrowser::Navigate(target);
+        QTimer::singleShot(0, &context_, [this] {
+            if (listener != nullptr)
+                listener->documentComplete();
+        });
+    }
+
+  private:
+    QObject context_; // ends the timers with the page
+};
+
+// Gives the window such pages, by the object names of their frames.
+class RecordingBrowsers : public BrowserMaker {
+  public:
+    std::unique_ptr<WebBrowser> makeBrowser(QWidget& frame, Log&, const AppSettings&) override {
+        auto browser = std::make_unique<CompletingBrowser>();
+        made[frame.objectName().toStdString()] = browser.get();
+        return browser;
+    }
+    RecordingWebBrowser& of(const std::string& frame) { return *made.at(frame); }
+
+  private:
+    std::map<std::string, RecordingWebBrowser*> made;
 };
 
 // A main window in a folder of its own, with a clock that jumps and a scripted operator.
@@ -110,7 +143,7 @@ class PanelHarness {
     panel& make() {
         window_ = std::make_unique<panel>(PanelEnvironment{session, prompts, clock, errors, hosts,
                                                            folder.path(), NumberLocale::point(),
-                                                           &transfer});
+                                                           browsers, &transfer});
         QObject::connect(window_.get(), &panel::unloaded, window_.get(), [this] { ++unloads; });
         return *window_;
     }
@@ -120,6 +153,7 @@ class PanelHarness {
                        "UsePrimaryDataSource=1", "IsideOrIngv=1", "PrimaryPollEvery=5",
                        "AlternatePollEvery=1", "LocalPollEvery=5"});
         make().Form_Load();
+        QCoreApplication::processEvents(); // the map's page completes
         return *window_;
     }
     panel& window() { return *window_; }
@@ -140,6 +174,7 @@ class PanelHarness {
     ErrorReport errors{prompts, [] { throw ProcessEnded{}; }, 60, session.TicksHeld};
     Hosts hosts;
     DocumentTransfer transfer;
+    RecordingBrowsers browsers;
     std::function<void()> meanwhile; // at every pump
     int unloads = 0;
 

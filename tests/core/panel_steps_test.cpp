@@ -124,13 +124,5 @@ TEST(PanelSteps, RefreshesTheViewsAfterAPollAndReportsNothingNew) {
     EXPECT_EQ(harness.control<GridEvents>("GridEvents").rowCount(), 5);
 }
 
-TEST(WholeWorldMap, IsTheRectangleOfAllEvents) {
-    const MapBounds bounds = WholeWorldMap().boundsVisualizedMap();
-    EXPECT_EQ(bounds.south, "-90");
-    EXPECT_EQ(bounds.west, "-180");
-    EXPECT_EQ(bounds.north, "90");
-    EXPECT_EQ(bounds.east, "180");
-}
-
 } // namespace
 } // namespace tremor::testing

@@ -645,8 +645,10 @@ TEST(PanelKeyboard, HasAnEntryForEachControlInTheOrderOfTheScreen) {
             names.push_back(widget->objectName().toStdString());
         widget = widget->nextInFocusChain();
     } while (widget != first);
-    EXPECT_EQ(names, (std::vector<std::string>{"List1", "lst_prog_log", "GridEvents", "cmb_wrkSp",
-                                               "cmd_SaveArea", "cmd_save_maps"}));
+    EXPECT_EQ(names,
+              (std::vector<std::string>{"List1", "lst_prog_log", "GridEvents", "cmb_wrkSp",
+                                        "cmd_SaveArea", "cmd_save_maps", "chk_fault", "chk_Legend",
+                                        "chk_SearchMode", "chk_ShowStations"}));
 }
 
 } // namespace

@@ -1,0 +1,21 @@
+#include "core/panel_browsers.h"
+
+#include "map/qt_web_browser.h"
+
+#include <utility>
+
+namespace tremor {
+
+QtBrowserMaker::QtBrowserMaker(Hosts hosts, std::string applicationPath, QtClock& clock)
+    : hosts_(std::move(hosts)), applicationPath_(std::move(applicationPath)), clock_(clock) {}
+
+std::unique_ptr<WebBrowser> QtBrowserMaker::makeBrowser(QWidget& frame, Log& log,
+                                                        const AppSettings& settings) {
+    if (!site_)
+        site_ = std::make_unique<MapSite>(MapSite::Environment{
+            hosts_, applicationPath_, [&settings] { return settings.PathPins; }});
+    return std::make_unique<QtWebBrowser>(
+        frame, *site_, clock_, [&log](std::string_view line) { log.addLogToList(line); });
+}
+
+} // namespace tremor

@@ -1,0 +1,209 @@
+#include "map/map_site.h"
+
+#include "core/qt_text.h"
+
+#include <QtCore/QBuffer>
+#include <QtCore/QFile>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QPointer>
+#include <QtNetwork/QNetworkAccessManager>
+#include <QtNetwork/QNetworkReply>
+#include <QtWebEngineCore/QWebEngineScript>
+#include <QtWebEngineCore/QWebEngineScriptCollection>
+#include <QtWebEngineCore/QWebEngineUrlRequestInfo>
+#include <QtWebEngineCore/QWebEngineUrlRequestJob>
+#include <QtWebEngineCore/QWebEngineUrlScheme>
+
+#include <utility>
+
+namespace tremor {
+namespace {
+
+constexpr char schemeName[] = "tremor";
+constexpr int overlayTimeMs = 3000;
+constexpr qint64 largestOverlay = 50 * 1024 * 1024;
+
+const QString engineHost = QStringLiteral("engine");
+const QString overlayHost = QStringLiteral("overlays");
+const QString enginePath = QStringLiteral(":/map/maps_engine.js");
+const QString mapScriptPath = QStringLiteral("/maps/api/js");
+const QString overlayPath = QStringLiteral("/TremorLedger/"); // on the web host
+
+QUrl ownUrl(const QString& host, const QString& file) {
+    QUrl url;
+    url.setScheme(QLatin1StringView(schemeName));
+    url.setHost(host);
+    url.setPath(QLatin1Char('/') + file);
+    return url;
+}
+
+QByteArray contents(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() > largestOverlay)
+        return {};
+    return file.readAll();
+}
+
+QString withSlash(QString folder) {
+    if (!folder.endsWith(QLatin1Char('/')))
+        folder += QLatin1Char('/');
+    return folder;
+}
+
+// The local form of a file in a URL, without "." and ".."; empty for what is no local file.
+QString localPath(const QUrl& url) {
+    return url.isLocalFile()
+               ? url.adjusted(QUrl::NormalizePathSegments | QUrl::RemoveQuery).toLocalFile()
+               : QString();
+}
+
+void answer(QWebEngineUrlRequestJob& job, const QByteArray& type, const QByteArray& bytes) {
+    if (bytes.isEmpty()) {
+        job.fail(QWebEngineUrlRequestJob::UrlNotFound);
+        return;
+    }
+    auto* buffer = new QBuffer(&job); // lives as long as the request
+    buffer->setData(bytes);
+    job.reply(type, buffer);
+}
+
+} // namespace
+
+void registerMapScheme() {
+    QWebEngineUrlScheme scheme(schemeName);
+    scheme.setSyntax(QWebEngineUrlScheme::Syntax::Host);
+    scheme.setFlags(QWebEngineUrlScheme::SecureScheme | QWebEngineUrlScheme::LocalAccessAllowed |
+                    QWebEngineUrlScheme::CorsEnabled);
+    QWebEngineUrlScheme::registerScheme(scheme);
+}
+
+// Decides about each request of a page before it leaves.
+class MapSite::Requests : public QWebEngineUrlRequestInterceptor {
+  public:
+    explicit Requests(const Environment& environment)
+        : environment_(environment),
+          mapsApi_(fromBytes(environment.hosts.MapsApi)),
+          webHost_(fromBytes(environment.hosts.WebHost)),
+          applicationPath_(withSlash(fromBytes(environment.applicationPath))),
+          embedded_(environment.hosts.MapsEngine != "online") {}
+
+    void interceptRequest(QWebEngineUrlRequestInfo& info) override {
+        const QUrl url = info.requestUrl();
+        if (embedded_ && isMapScript(url))
+            info.redirect(ownUrl(engineHost, QStringLiteral("maps_engine.js")));
+        else if (embedded_ && isOverlay(url))
+            info.redirect(ownUrl(overlayHost, url.path().mid(overlayPath.size())));
+        else if (url.isLocalFile() && !isReadable(localPath(url)))
+            info.block(true);
+    }
+
+  private:
+    bool isMapScript(const QUrl& url) const {
+        return url.host() == mapsApi_.host() && url.path() == mapScriptPath;
+    }
+
+    // Without a web host the address has the folder alone and belongs to the page's own scheme.
+    bool isOverlay(const QUrl& url) const {
+        return url.path().startsWith(overlayPath) &&
+               (webHost_.isEmpty()
+                    ? url.isLocalFile()
+                    : url.host() == webHost_.host() && url.port() == webHost_.port());
+    }
+
+    // The pages, their pictures and the operator's pins; no other file of this machine.
+    bool isReadable(const QString& path) const {
+        if (path.startsWith(applicationPath_))
+            return true;
+        QString pins = fromBytes(environment_.pathPins());
+        if (pins.startsWith(QLatin1String("file:")))
+            pins = QUrl(pins).toLocalFile();
+        return pins.size() > 1 && path.startsWith(pins);
+    }
+
+    const Environment& environment_;
+    QUrl mapsApi_;
+    QUrl webHost_;
+    QString applicationPath_;
+    bool embedded_;
+};
+
+// Answers what was redirected.
+class MapSite::Answers : public QWebEngineUrlSchemeHandler {
+  public:
+    explicit Answers(const Environment& environment)
+        : webHost_(fromBytes(environment.hosts.WebHost)),
+          images_(withSlash(fromBytes(environment.applicationPath)) + QStringLiteral("Img/")) {
+        network_.setTransferTimeout(overlayTimeMs);
+    }
+
+    void requestStarted(QWebEngineUrlRequestJob* job) override {
+        const QUrl url = job->requestUrl();
+        const QString file = url.path().mid(1);
+        if (url.host() == engineHost)
+            answer(*job, QByteArrayLiteral("text/javascript"), contents(enginePath));
+        else if (url.host() == overlayHost && !file.contains(QLatin1Char('/')))
+            answerOverlay(*job, file);
+        else
+            job->fail(QWebEngineUrlRequestJob::UrlNotFound);
+    }
+
+  private:
+    // The web host first: there the deployment keeps its own overlays.
+    void answerOverlay(QWebEngineUrlRequestJob& job, const QString& file) {
+        if (webHost_.isEmpty()) {
+            answer(job, overlayType(), contents(images_ + file));
+            return;
+        }
+        QNetworkReply* reply =
+            network_.get(QNetworkRequest(QUrl(webHost_.toString() + overlayPath + file)));
+        // The request may be given up before the host answers.
+        connect(reply, &QNetworkReply::finished, &job, [this, reply, &job, file] {
+            const QByteArray bytes = reply->error() == QNetworkReply::NoError
+                                         ? reply->read(largestOverlay)
+                                         : QByteArray();
+            answer(job, overlayType(), bytes.isEmpty() ? contents(images_ + file) : bytes);
+        });
+        connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
+    }
+
+    static QByteArray overlayType() { return QByteArrayLiteral("application/octet-stream"); }
+
+    QUrl webHost_;
+    QString images_;
+    QNetworkAccessManager network_;
+};
+
+MapSite::MapSite(Environment environment)
+    : environment_(std::move(environment)),
+      requests_(std::make_unique<Requests>(environment_)),
+      answers_(std::make_unique<Answers>(environment_)) {
+    profile_.setHttpCacheType(QWebEngineProfile::NoCache);
+    profile_.setPersistentCookiesPolicy(QWebEngineProfile::NoPersistentCookies);
+    profile_.setUrlRequestInterceptor(requests_.get());
+    profile_.installUrlSchemeHandler(schemeName, answers_.get());
+    installScripts();
+}
+
+MapSite::~MapSite() = default;
+
+// One script, because the parts need each other in this order: the tile source for the engine, the
+// channel's library, the agent.
+void MapSite::installScripts() {
+    const QJsonObject options{
+        {QStringLiteral("tileUrl"), fromBytes(environment_.hosts.TileUrl)},
+        {QStringLiteral("tileAttribution"), fromBytes(environment_.hosts.TileAttribution)}};
+    const QByteArray text =
+        "window.TREMOR_MAP_OPTIONS = " + QJsonDocument(options).toJson(QJsonDocument::Compact) +
+        ";\n" + contents(QStringLiteral(":/qtwebchannel/qwebchannel.js")) + "\n" +
+        contents(QStringLiteral(":/map/page_agent.js"));
+    QWebEngineScript script;
+    script.setName(QStringLiteral("page agent"));
+    script.setInjectionPoint(QWebEngineScript::DocumentCreation);
+    script.setWorldId(QWebEngineScript::MainWorld);
+    script.setRunsOnSubFrames(false);
+    script.setSourceCode(QString::fromUtf8(text));
+    profile_.scripts()->insert(script);
+}
+
+} // namespace tremor
