@@ -106,6 +106,8 @@ void QtWebBrowser::makePage() {
     settings.setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, true);
     settings.setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, true);
     settings.setAttribute(QWebEngineSettings::JavascriptCanOpenWindows, false);
+    // The keyboard stays where the operator has put it when a map is loaded anew.
+    settings.setAttribute(QWebEngineSettings::FocusOnNavigationEnabled, false);
     settings.setAttribute(QWebEngineSettings::ShowScrollBars, false);
     settings.setAttribute(QWebEngineSettings::ErrorPageEnabled, false);
 
