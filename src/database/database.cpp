@@ -102,13 +102,19 @@ void Database::setBusyCallback(std::function<void()> callback) {
     impl_->connection.setBusyCallback(std::move(callback));
 }
 
+void Database::interrupt() {
+    impl_->connection.interrupt();
+}
+
 int Database::slsOpen(std::string_view path, std::string_view mods) {
     SqliteConnection& connection = impl_->connection;
     return connection.run([&] {
         if (connection.isOpenOn(path))
             return SQLITE_OK;
         impl_->sets = {};
-        return connection.open(path, equalInAnyCase(mods, "C"));
+        return connection.open(path, equalInAnyCase(mods, "C")   ? OpenMode::Create
+                                     : equalInAnyCase(mods, "R") ? OpenMode::ReadOnly
+                                                                 : OpenMode::Existing);
     });
 }
 

@@ -91,11 +91,16 @@ class Database {
     // that windows can repaint. It must not call back into this object: such a call fails.
     void setBusyCallback(std::function<void()> callback);
 
+    // Ends the statement that runs, or waits for a locked file, with SQLITE_INTERRUPT. To be called
+    // from the busy callback; does nothing while none runs.
+    void interrupt();
+
     // "E0": errors are returned. The only mode there is; other texts are ignored.
     void slSetProcessMods(std::string_view /*mods*/) {}
 
     // Opens the file; an open one is closed first, unless it is the same path and it still is the
-    // same file, which then stays open. mods "C" creates a missing file. 0 or the error number.
+    // same file, which then stays open. mods "C" creates a missing file, "R" opens for reading
+    // only. 0 or the error number.
     int slsOpen(std::string_view path, std::string_view mods);
     void slClose();
     void slDisconnect();

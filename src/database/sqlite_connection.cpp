@@ -26,15 +26,16 @@ void FinalizeStatement::operator()(sqlite3_stmt* statement) const {
     sqlite3_finalize(statement);
 }
 
-int SqliteConnection::open(std::string_view path, bool create) {
+int SqliteConnection::open(std::string_view path, OpenMode mode) {
     std::string name(path); // `path` may be our own, which close() clears
     close();
     if (name.empty() || name.find('\0') != std::string::npos)
         return fail(SQLITE_CANTOPEN, "no valid file name");
     // SQLite gives some names a meaning of their own, but none that begins with "/" or "./".
     const std::string plainPath = name.front() == '/' ? name : "./" + name;
-    const int flags =
-        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (create ? SQLITE_OPEN_CREATE : 0);
+    const int flags = SQLITE_OPEN_NOMUTEX |
+                      (mode == OpenMode::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE) |
+                      (mode == OpenMode::Create ? SQLITE_OPEN_CREATE : 0);
     const int code = sqlite3_open_v2(plainPath.c_str(), &handle_, flags, nullptr);
     if (code != SQLITE_OK) {
         fail(code, handle_ != nullptr ? sqlite3_errmsg(handle_) : sqlite3_errstr(code));
@@ -120,6 +121,7 @@ SqliteConnection::identityOf(const std::string& path) {
 
 void SqliteConnection::start() {
     running_ = true;
+    interrupted_ = false;
     errorCode_ = SQLITE_OK;
     errorMessage_.clear();
     lastCallback_ = std::chrono::steady_clock::now();
@@ -163,13 +165,16 @@ int SqliteConnection::onBusy(void* self, int /*attempts*/) noexcept {
     if (now - *connection.waitingSince_ >= connection.busyTimeout_)
         return 0;
     connection.callBackWhenDue(now);
+    if (connection.interrupted_)
+        return 0;
     std::this_thread::sleep_for(busyPause);
     return 1;
 }
 
 int SqliteConnection::onProgress(void* self) noexcept {
-    static_cast<SqliteConnection*>(self)->callBackWhenDue(std::chrono::steady_clock::now());
-    return 0;
+    auto& connection = *static_cast<SqliteConnection*>(self);
+    connection.callBackWhenDue(std::chrono::steady_clock::now());
+    return connection.interrupted_ ? 1 : 0;
 }
 
 // VACUUM attaches a nameless private file, not while its text is compiled but when it runs.

@@ -16,6 +16,8 @@ struct sqlite3;
 
 namespace tremor {
 
+enum class OpenMode { Existing, Create, ReadOnly };
+
 // A hardened SQLite connection to one file, the waiting that goes with it, and its last error.
 //
 // The file may come from anywhere: other files cannot be attached, extensions cannot be loaded,
@@ -49,11 +51,14 @@ class SqliteConnection {
         return code;
     }
 
+    // Makes the running statement end with SQLITE_INTERRUPT; to be called by the busy callback.
+    void interrupt() { interrupted_ = running_; }
+
     // Everything from here to `fail` belongs inside `run`.
 
     // 0 or the error number; after an error nothing is open. The path is a plain path whatever it
     // looks like (no URI, no ":memory:"). Whatever was open is closed first.
-    int open(std::string_view path, bool create);
+    int open(std::string_view path, OpenMode mode);
 
     // Rolls an open transaction back. Statements that are still around fail from now on.
     void close();
@@ -107,6 +112,7 @@ class SqliteConnection {
     int errorCode_ = 0;
     std::string errorMessage_;
     bool running_ = false;
+    bool interrupted_ = false;
     bool preparing_ = false;
     Time lastCallback_;
     std::optional<Time> waitingSince_;

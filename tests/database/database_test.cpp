@@ -357,6 +357,26 @@ TEST_F(EventsTest, TellsStatementsThatOnlyReadFromThoseThatWrite) {
     EXPECT_EQ(count(), "0");
 }
 
+TEST_F(EventsTest, OpensAFileForReadingOnly) {
+    insert("1");
+    Database reader;
+    ASSERT_EQ(reader.slsOpen(database.path(), "R"), 0);
+    EXPECT_EQ(reader.slsSel("select * from Events"), 0);
+    EXPECT_EQ(reader.slsExe("delete from Events"), SQLITE_READONLY);
+    EXPECT_EQ(count(), "1");
+    EXPECT_NE(reader.slsOpen(folder.file("missing.sqlite"), "R"), 0);
+}
+
+TEST_F(EventsTest, EndsAStatementAtTheWishOfTheBusyCallback) {
+    database.setBusyCallback([this] { database.interrupt(); });
+    EXPECT_EQ(database.slsSel("with recursive n(x) as (select 1 union all select x + 1 from n) "
+                              "select count(*) from n"),
+              SQLITE_INTERRUPT);
+    EXPECT_EQ(database.slsSel("select 1"), 0);
+    database.interrupt();
+    EXPECT_EQ(database.slsSel("select 1"), 0);
+}
+
 // --- prepared statements --------------------------------------------------------------------
 
 TEST_F(EventsTest, RunsAPreparedStatementManyTimesWithOtherValues) {
