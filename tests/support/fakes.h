@@ -63,6 +63,18 @@ class ScriptedPrompts : public Prompts {
                            chosen.has_value(),
                            chosen.value_or("")});
     }
+    // The folder chosen, empty for Cancel.
+    void expectFolder(std::string title, std::string chosen) {
+        script_.push_back({Kind::Folder,
+                           {},
+                           std::move(title),
+                           BoxIcon::None,
+                           BoxButtons::Ok,
+                           BoxAnswer::Ok,
+                           ErrorAnswer::Ignore,
+                           true,
+                           std::move(chosen)});
+    }
     // `part` must occur in the report.
     void expectRuntimeError(std::string part, ErrorAnswer answer) {
         script_.push_back({Kind::Error,
@@ -96,8 +108,9 @@ class ScriptedPrompts : public Prompts {
         return e.given ? std::optional(e.result) : std::nullopt;
     }
     std::string browseForFolder(std::string_view title) override {
-        ADD_FAILURE() << "unexpected folder dialog: " << title;
-        return {};
+        const Expected e = next(Kind::Folder, title);
+        EXPECT_EQ(e.title, title);
+        return e.result;
     }
     ErrorAnswer showRuntimeError(std::string_view title, std::string_view text, int) override {
         const Expected e = next(Kind::Error, text);
@@ -112,7 +125,7 @@ class ScriptedPrompts : public Prompts {
     std::string lastErrorText;
 
   private:
-    enum class Kind { Box, Input, File, Error };
+    enum class Kind { Box, Input, File, Folder, Error };
     struct Expected {
         Kind kind;
         std::string text;
