@@ -11,11 +11,11 @@ QtBrowserMaker::QtBrowserMaker(Hosts hosts, std::string applicationPath, QtClock
 
 std::unique_ptr<WebBrowser> QtBrowserMaker::makeBrowser(QWidget& frame, Log& log,
                                                         const AppSettings& settings) {
+    const auto report = [&log](std::string_view line) { log.addLogToList(line); };
     if (!site_)
         site_ = std::make_unique<MapSite>(MapSite::Environment{
-            hosts_, applicationPath_, [&settings] { return settings.PathPins; }});
-    return std::make_unique<QtWebBrowser>(
-        frame, *site_, clock_, [&log](std::string_view line) { log.addLogToList(line); });
+            hosts_, applicationPath_, [&settings] { return settings.PathPins; }, report});
+    return std::make_unique<QtWebBrowser>(frame, *site_, clock_, report);
 }
 
 } // namespace tremor

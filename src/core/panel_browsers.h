@@ -23,7 +23,7 @@ class QtBrowserMaker : public BrowserMaker {
     Hosts hosts_;
     std::string applicationPath_;
     QtClock& clock_;
-    std::unique_ptr<MapSite> site_; // made with the first browser, whose settings it reads
+    std::unique_ptr<MapSite> site_; // made with the first browser, whose log and settings it uses
 };
 
 } // namespace tremor

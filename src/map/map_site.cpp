@@ -4,6 +4,7 @@
 
 #include <QtCore/QBuffer>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QPointer>
@@ -51,6 +52,12 @@ QString withSlash(QString folder) {
     return folder;
 }
 
+// Where a file or folder really is, behind every link; what is not there stays as it is.
+QString realPath(const QString& path) {
+    const QString real = QFileInfo(path).canonicalFilePath();
+    return real.isEmpty() ? path : real;
+}
+
 // The local form of a file in a URL, without "." and ".."; empty for what is no local file.
 QString localPath(const QUrl& url) {
     return url.isLocalFile()
@@ -85,7 +92,7 @@ class MapSite::Requests : public QWebEngineUrlRequestInterceptor {
         : environment_(environment),
           mapsApi_(fromBytes(environment.hosts.MapsApi)),
           webHost_(fromBytes(environment.hosts.WebHost)),
-          applicationPath_(withSlash(fromBytes(environment.applicationPath))),
+          applicationPath_(withSlash(realPath(fromBytes(environment.applicationPath)))),
           embedded_(environment.hosts.MapsEngine != "online") {}
 
     void interceptRequest(QWebEngineUrlRequestInfo& info) override {
@@ -94,7 +101,7 @@ class MapSite::Requests : public QWebEngineUrlRequestInterceptor {
             info.redirect(ownUrl(engineHost, QStringLiteral("maps_engine.js")));
         else if (embedded_ && isOverlay(url))
             info.redirect(ownUrl(overlayHost, url.path().mid(overlayPath.size())));
-        else if (url.isLocalFile() && !isReadable(localPath(url)))
+        else if (url.isLocalFile() && !isReadable(realPath(localPath(url))))
             info.block(true);
     }
 
@@ -115,10 +122,22 @@ class MapSite::Requests : public QWebEngineUrlRequestInterceptor {
     bool isReadable(const QString& path) const {
         if (path.startsWith(applicationPath_))
             return true;
+        const QString pins = realPins();
+        return !pins.isEmpty() && path.startsWith(pins);
+    }
+
+    // What the paths of all pins begin with: a folder, and the first letters of the names when the
+    // setting does not end in "/". Empty when it would open the whole machine.
+    QString realPins() const {
         QString pins = fromBytes(environment_.pathPins());
         if (pins.startsWith(QLatin1String("file:")))
             pins = QUrl(pins).toLocalFile();
-        return pins.size() > 1 && path.startsWith(pins);
+        const auto slash = pins.lastIndexOf(QLatin1Char('/'));
+        if (slash < 0)
+            return {};
+        const QString folder = withSlash(realPath(pins.first(slash + 1)));
+        const QString names = pins.sliced(slash + 1);
+        return folder == QLatin1String("/") && names.isEmpty() ? QString() : folder + names;
     }
 
     const Environment& environment_;
@@ -132,7 +151,8 @@ class MapSite::Requests : public QWebEngineUrlRequestInterceptor {
 class MapSite::Answers : public QWebEngineUrlSchemeHandler {
   public:
     explicit Answers(const Environment& environment)
-        : webHost_(fromBytes(environment.hosts.WebHost)),
+        : environment_(environment),
+          webHost_(fromBytes(environment.hosts.WebHost)),
           images_(withSlash(fromBytes(environment.applicationPath)) + QStringLiteral("Img/")) {
         network_.setTransferTimeout(overlayTimeMs);
     }
@@ -162,15 +182,26 @@ class MapSite::Answers : public QWebEngineUrlSchemeHandler {
             const QByteArray bytes = reply->error() == QNetworkReply::NoError
                                          ? reply->read(largestOverlay)
                                          : QByteArray();
+            noteHost(!bytes.isEmpty(), file);
             answer(job, overlayType(), bytes.isEmpty() ? contents(images_ + file) : bytes);
         });
         connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
     }
 
+    // Pages ask again at each reload: one line is enough until the host has answered.
+    void noteHost(bool answered, const QString& file) {
+        if (!answered && hostAnswers_)
+            environment_.report(toBytes(file) + " does not come from the web host; the program's "
+                                                "own overlays are shown.");
+        hostAnswers_ = answered;
+    }
+
     static QByteArray overlayType() { return QByteArrayLiteral("application/octet-stream"); }
 
+    const Environment& environment_;
     QUrl webHost_;
     QString images_;
+    bool hostAnswers_ = true;
     QNetworkAccessManager network_;
 };
 

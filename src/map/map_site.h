@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 class QNetworkAccessManager;
 
@@ -32,6 +33,8 @@ class MapSite {
         std::string applicationPath; // folder of the executable, no "/" at its end
         // Folder or address in front of the pin images, asked anew for each picture.
         std::function<std::string()> pathPins;
+        // Gets a line for the log when the web host fails.
+        std::function<void(std::string_view)> report;
     };
 
     explicit MapSite(Environment environment);

@@ -23,7 +23,6 @@ namespace {
 
 constexpr std::string_view aboutBlank = "about:blank";
 constexpr int maximumRestarts = 3;
-constexpr qint64 steadyMs = 60000; // a page that stood so long does not end at each start
 constexpr std::chrono::milliseconds heldTurn{20};
 
 QString text(const QJsonObject& object, const char* name) {
@@ -62,11 +61,11 @@ class MapPage : public QWebEnginePage {
 
   protected:
     bool acceptNavigationRequest(const QUrl& url, NavigationType type, bool mainFrame) override {
-        if (!mainFrame || type != NavigationTypeLinkClicked)
-            return type == NavigationTypeTyped || type == NavigationTypeOther ||
-                   type == NavigationTypeReload;
-        openOutside(url);
-        return false;
+        if (!mainFrame)
+            return type == NavigationTypeOther || type == NavigationTypeReload;
+        if (type == NavigationTypeLinkClicked)
+            openOutside(url);
+        return type == NavigationTypeTyped; // the program's own; a script cannot type
     }
     // A page's faults are no lines for the terminal of an operator.
     void javaScriptConsoleMessage(JavaScriptConsoleMessageLevel, const QString&, int,
@@ -82,8 +81,8 @@ class MapPage : public QWebEnginePage {
 } // namespace
 
 QtWebBrowser::QtWebBrowser(QWidget& frame, MapSite& site, QtClock& clock,
-                           std::function<void(std::string_view)> report)
-    : site_(site), clock_(clock), report_(std::move(report)), view_(&frame) {
+                           std::function<void(std::string_view)> report, PageLimits limits)
+    : site_(site), clock_(clock), report_(std::move(report)), limits_(limits), view_(&frame) {
     view_.setContextMenuPolicy(Qt::NoContextMenu);
     view_.setAcceptDrops(false);
     auto* layout = new QVBoxLayout(&frame);
@@ -92,7 +91,7 @@ QtWebBrowser::QtWebBrowser(QWidget& frame, MapSite& site, QtClock& clock,
 
     for (QTimer* timer : {&flushTimer_, &dispatchTimer_, &loadTimer_})
         timer->setSingleShot(true);
-    loadTimer_.setInterval(loadTime);
+    loadTimer_.setInterval(limits_.load);
     connect(&flushTimer_, &QTimer::timeout, this, &QtWebBrowser::flush);
     connect(&dispatchTimer_, &QTimer::timeout, this, &QtWebBrowser::dispatchWhenFree);
     connect(&loadTimer_, &QTimer::timeout, this, &QtWebBrowser::giveUpLoading);
@@ -211,7 +210,7 @@ void QtWebBrowser::checkMaps() {
 }
 
 void QtWebBrowser::processEnded() {
-    if (shown_.hasExpired(steadyMs))
+    if (shown_.hasExpired(limits_.steady.count()))
         restarts_ = 0;
     if (restarts_ < maximumRestarts) {
         ++restarts_;

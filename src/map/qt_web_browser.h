@@ -26,6 +26,12 @@ struct PageEvent {
     PageSnapshot page;
 };
 
+struct PageLimits {
+    std::chrono::milliseconds load{30000}; // a page that takes longer is given up
+    // A page that ended earlier counts as one that ends at each start; only a few starts are tried.
+    std::chrono::milliseconds steady{60000};
+};
+
 // A map page in a widget, on Qt WebEngine.
 //
 // A command is one script that the page runs at once; the program waits for its answer for at most
@@ -39,11 +45,10 @@ class QtWebBrowser : public QObject, public WebBrowser {
     // `report` gets a line for the log when a page fails: "TremorLedger.html could not be shown."
     // The widget fills `frame`. All references must outlive this object.
     QtWebBrowser(QWidget& frame, MapSite& site, QtClock& clock,
-                 std::function<void(std::string_view)> report);
+                 std::function<void(std::string_view)> report, PageLimits limits = {});
     ~QtWebBrowser() override;
 
     void setEvents(PageEvents* events) override { events_ = events; }
-    // A page that does not come within half a minute is given up.
     void Navigate(std::string_view target) override;
     std::int32_t ReadyState() const override { return readyState_; }
     std::string LocationURL() const override { return target_; }
@@ -57,7 +62,6 @@ class QtWebBrowser : public QObject, public WebBrowser {
     QWebEngineView& view() { return view_; }
 
     static constexpr std::chrono::milliseconds answerTime{5000};
-    static constexpr std::chrono::milliseconds loadTime{30000};
 
   public Q_SLOTS:
     // Called by the page's agent with the query of its address ("?3": the number of the navigation)
@@ -97,6 +101,7 @@ class QtWebBrowser : public QObject, public WebBrowser {
     MapSite& site_;
     QtClock& clock_;
     std::function<void(std::string_view)> report_;
+    PageLimits limits_;
     QWebEngineView view_;
     PageEvents* events_ = nullptr;
     std::string target_ = "about:blank";

@@ -8,7 +8,6 @@ namespace {
 // Pixels that do not depend on the screen's density, as those of a map page do not.
 constexpr qreal barLength = 40;
 constexpr qreal tickHeight = 6;
-constexpr qreal gap = 4;
 
 } // namespace
 
@@ -29,12 +28,14 @@ void ScaleBar::paintEvent(QPaintEvent* event) {
     const QRectF area = contentsRect();
     const qreal right = area.right() - 1;
     const qreal left = right - barLength;
-    const qreal bottom = area.center().y() + tickHeight / 2;
+    const qreal bottom = area.bottom() - 2;
+    const qreal top = bottom - tickHeight;
     painter.drawLine(QPointF(left, bottom), QPointF(right, bottom));
-    painter.drawLine(QPointF(left, bottom), QPointF(left, bottom - tickHeight));
-    painter.drawLine(QPointF(right, bottom), QPointF(right, bottom - tickHeight));
-    painter.drawText(QRectF(area.left(), area.top(), left - gap - area.left(), area.height()),
-                     Qt::AlignRight | Qt::AlignVCenter, label_.trimmed());
+    painter.drawLine(QPointF(left, bottom), QPointF(left, top));
+    painter.drawLine(QPointF(right, bottom), QPointF(right, top));
+    // Above the bar: "1250km" is wider than what stands free beside it.
+    painter.drawText(QRectF(area.left(), area.top(), right - area.left(), top - area.top()),
+                     Qt::AlignRight | Qt::AlignBottom, label_.trimmed());
 }
 
 } // namespace tremor

@@ -1,5 +1,7 @@
 #include "journeys/journey.h"
 
+#include "journeys/screen_picture.h"
+
 #include <curl/curl.h>
 #include <fcntl.h>
 #include <signal.h>
@@ -85,17 +87,6 @@ void endChild(pid_t& pid, int signalNumber) {
     pid = -1;
 }
 
-template <class Condition>
-bool waitUntil(Condition condition, std::chrono::milliseconds limit) {
-    const auto end = Clock::now() + limit;
-    while (!condition()) {
-        if (Clock::now() >= end)
-            return false;
-        std::this_thread::sleep_for(100ms);
-    }
-    return true;
-}
-
 std::size_t appendBody(char* data, std::size_t size, std::size_t count, void* body) {
     static_cast<std::string*>(body)->append(data, size * count);
     return size * count;
@@ -113,6 +104,16 @@ std::vector<std::string> splitAt(const std::string& text, char separator) {
 }
 
 } // namespace
+
+bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+    const auto end = Clock::now() + limit;
+    while (!condition()) {
+        if (Clock::now() >= end)
+            return false;
+        std::this_thread::sleep_for(100ms);
+    }
+    return true;
+}
 
 Journey::Journey(const std::vector<std::string>& settingsLines,
                  const std::vector<std::string>& locators) {
@@ -135,7 +136,7 @@ Journey::Journey(const std::vector<std::string>& settingsLines,
 
     std::vector<std::string> services{TREMOR_PRACTICE_FEEDS, "--port",  "0", "--data",
                                       TREMOR_TEST_DATA,      "--every", "0", "--hosts-ini",
-                                      file("hosts.ini")};
+                                      file("hosts.ini"),     "--pagerlink", "0"};
     for (const std::string& locator : locators)
         services.insert(services.end(), {"--" + locator, file(locator)});
     services_ = spawn(services, folder_ + "/services.log", {});
@@ -174,10 +175,25 @@ std::string Journey::desktop(const std::vector<std::string>& arguments) {
     return text;
 }
 
+void Journey::addHost(const std::string& line) const {
+    std::ofstream stream(file("hosts.ini"), std::ios::binary | std::ios::app);
+    stream << line << "\r\n";
+}
+
+void Journey::addSetting(const std::string& line) const {
+    std::ofstream stream(file("settings.ini"), std::ios::binary | std::ios::app);
+    stream << line << "\r\n";
+}
+
+void Journey::addVariable(const std::string& assignment) {
+    variables_.push_back(assignment);
+}
+
 void Journey::startProgram() {
-    program_ = spawn({file("TremorLedger")}, folder_ + "/program.log",
-                     {"DISPLAY=" + display_, "TMPDIR=" + folder_ + "/tmp", "LC_ALL=C.UTF-8",
-                      "QT_QPA_PLATFORM=xcb"});
+    std::vector<std::string> variables{"DISPLAY=" + display_, "TMPDIR=" + folder_ + "/tmp",
+                                       "LC_ALL=C.UTF-8", "QT_QPA_PLATFORM=xcb"};
+    variables.insert(variables.end(), variables_.begin(), variables_.end());
+    program_ = spawn({file("TremorLedger")}, folder_ + "/program.log", variables);
 }
 
 bool Journey::programRuns() {
@@ -236,6 +252,10 @@ void Journey::drag(int x1, int y1, int x2, int y2) {
              std::to_string(x2), std::to_string(y2)});
 }
 
+void Journey::movePointer(int x, int y) {
+    desktop({"move", folder_ + "/desktop", std::to_string(x), std::to_string(y)});
+}
+
 std::string Journey::activityLog() {
     return desktop({"log", folder_ + "/desktop"});
 }
@@ -267,6 +287,10 @@ void Journey::resize(const std::string& title, int width, int height) {
 
 long Journey::pixelsOfColour(const std::string& rrggbb) {
     return std::stol(desktop({"count-colour", folder_ + "/desktop", rrggbb}));
+}
+
+ScreenPicture Journey::picture() const {
+    return ScreenPicture(readText(folder_ + "/desktop/Xvfb_screen0"));
 }
 
 std::string Journey::service(const std::string& pathAndQuery) {

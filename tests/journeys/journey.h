@@ -13,6 +13,11 @@
 // std::runtime_error with the words of the failure, which fails the test.
 namespace tremor::journeys {
 
+class ScreenPicture;
+
+// Asks again and again; false when the condition does not become true within the limit.
+bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds limit);
+
 // One row of the catalogue's table Events, as text.
 struct EventRow {
     std::string utc;
@@ -42,6 +47,13 @@ class Journey {
     Journey(const Journey&) = delete;
     Journey& operator=(const Journey&) = delete;
 
+    // A line of hosts.ini, before the program starts: "MapsEngine=online".
+    void addHost(const std::string& line) const;
+    // The same of settings.ini: "SMTPport=2525".
+    void addSetting(const std::string& line) const;
+    // A variable of the program's environment, "SDL_AUDIODRIVER=disk".
+    void addVariable(const std::string& assignment);
+
     // The program.
     void startProgram();
     bool programRuns();
@@ -56,6 +68,7 @@ class Journey {
     void type(const std::string& text);
     void click(int x, int y, int button = 1);
     void drag(int x1, int y1, int x2, int y2);
+    void movePointer(int x, int y);
     std::string activityLog(); // CR LF and LF as line ends
     // Waits until the log has `count` lines that are this text (or end in it, when it begins with a
     // blank); false after `limit`.
@@ -63,6 +76,7 @@ class Journey {
     Rectangle geometry(const std::string& title); // inside of a window on the screen, pixels
     void resize(const std::string& title, int width, int height);
     long pixelsOfColour(const std::string& rrggbb); // on the whole screen
+    ScreenPicture picture() const;
 
     // The services.
     std::string service(const std::string& pathAndQuery); // body of a GET, any status
@@ -82,6 +96,7 @@ class Journey {
     std::string folder_;
     std::string servicesUrl_;
     std::string display_;
+    std::vector<std::string> variables_;
     pid_t services_ = -1;
     pid_t program_ = -1;
 };

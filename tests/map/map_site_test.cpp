@@ -126,6 +126,10 @@ TEST_F(Site, OverlaysComeFromTheProgramsFolderWhenTheWebHostFails) {
     showFaults();
     EXPECT_TRUE(waitForPage(QStringLiteral("ctaLayer.getStatus() === 'OK'")));
     EXPECT_FALSE(host.paths.empty());
+    // Logo and faults are asked for one after the other; the second failure is no news.
+    EXPECT_EQ(log.messages,
+              Texts{"OrvaLogo.kmz.txt does not come from the web host; the program's own overlays "
+                    "are shown."});
 }
 
 TEST_F(Site, OverlaysComeFromTheProgramsFolderWhenTheWebHostIsSilentOrAway) {
@@ -167,6 +171,50 @@ TEST_F(Site, FilesOutsideTheProgramsFolderStayClosed) {
     EXPECT_EQ(request("file://" + folder.path() + "/..%2F" + name + "/secret.txt"), "failed");
     EXPECT_EQ(request("file://" + folder.path() + "/%2e%2e/" + name + "/secret.txt"), "failed");
     std::filesystem::remove_all(sibling);
+}
+
+TEST_F(Site, LinksOutOfTheProgramsFolderStayClosed) {
+    testing::TemporaryFolder outside;
+    writeFileAtomically(outside.file("secret.txt"), "secret", false);
+    writeFileAtomically(folder.file("own.txt"), "own", false);
+    std::filesystem::create_symlink(outside.file("secret.txt"), folder.file("link.txt"));
+    std::filesystem::create_directory_symlink(outside.path(), folder.file("linked"));
+    std::filesystem::create_symlink(folder.file("own.txt"), folder.file("inside.txt"));
+    ASSERT_TRUE(showPage(mapsDouble));
+    EXPECT_EQ(request("file://" + folder.file("link.txt")), "failed");
+    EXPECT_EQ(request("file://" + folder.file("linked/secret.txt")), "failed");
+    EXPECT_EQ(request("file://" + folder.file("inside.txt")), "is own");
+}
+
+TEST_F(Site, ThePagesAreReadAlsoWhenTheProgramsFolderIsItselfALink) {
+    testing::TemporaryFolder links;
+    applicationPath = links.file("program");
+    std::filesystem::create_directory_symlink(folder.path(), applicationPath);
+    writeFileAtomically(folder.file("own.txt"), "own", false);
+    writeFileAtomically(folder.file("page.html"), "<!DOCTYPE html>" + mapsDouble, false);
+    browser().Navigate(applicationPath + "/page.html");
+    ASSERT_TRUE(waitFor([&] { return events.count("complete") > 0; }));
+    EXPECT_EQ(log.messages, Texts{});
+    EXPECT_EQ(request("file://" + applicationPath + "/own.txt"), "is own");
+    EXPECT_EQ(request("file://" + folder.file("own.txt")), "is own");
+}
+
+TEST_F(Site, PinsBehindALinkAreShownAndTheRootIsNoFolderOfPins) {
+    testing::TemporaryFolder pins;
+    std::filesystem::create_directory(pins.file("real"));
+    std::filesystem::copy_file(std::string(TREMOR_SHARE) + "/Img/b_14.png",
+                               pins.file("real/b_14.png"));
+    std::filesystem::create_directory_symlink(pins.file("real"), pins.file("linked"));
+    std::filesystem::create_directory_symlink("/", pins.file("root"));
+    ASSERT_TRUE(showPage(mapsDouble));
+    settings.PathPins = pins.file("linked/");
+    EXPECT_NE(picture("file://" + pins.file("linked/b_14.png")), "failed");
+    settings.PathPins = pins.file("linked/b_");
+    EXPECT_NE(picture("file://" + pins.file("linked/b_14.png?2")), "failed");
+    settings.PathPins = pins.file("linked/g_");
+    EXPECT_EQ(picture("file://" + pins.file("linked/b_14.png?3")), "failed");
+    settings.PathPins = pins.file("root/");
+    EXPECT_EQ(picture("file://" + pins.file("real/b_14.png")), "failed");
 }
 
 TEST_F(Site, PinsComeFromTheOperatorsFolderAsItIsAtThatMoment) {
@@ -224,6 +272,30 @@ TEST_F(Site, LinksOpenOutsideAndThePageStays) {
     EXPECT_EQ(desktop.opened.at(1), QUrl(QStringLiteral("https://example.invalid/b")));
     EXPECT_EQ(text(QStringLiteral("location.pathname")), folder.file("page.html"));
     EXPECT_EQ(log.messages, Texts{});
+}
+
+TEST_F(Site, AScriptCannotTakeThePageElsewhere) {
+    DesktopDouble desktop;
+    writeFileAtomically(folder.file("own.html"), "own", false);
+    ASSERT_TRUE(showPage(mapsDouble));
+    const std::string there = text(QStringLiteral("location.href"));
+    for (const char* script :
+         {"location.replace('https://example.invalid/a')", "location.replace('own.html')",
+          "location.assign('own.html?1')", "location.search = '?99'", "location.reload()",
+          "(() => { const form = document.createElement('form'); form.action = 'own.html';"
+          "document.body.appendChild(form); form.submit(); return 0; })()",
+          "(() => { const link = document.createElement('meta'); link.httpEquiv = 'refresh';"
+          "link.content = '0; url=own.html'; document.head.appendChild(link); return 0; })()"}) {
+        evaluate(QString::fromLatin1(script));
+        turnEvents(300);
+        EXPECT_EQ(text(QStringLiteral("location.href")), there) << script;
+        EXPECT_EQ(browser().ReadyState(), WebBrowser::complete) << script;
+    }
+    EXPECT_EQ(desktop.opened, QList<QUrl>{});
+    EXPECT_EQ(log.messages, Texts{});
+    // The program itself may leave it.
+    ASSERT_TRUE(showFile("own.html"));
+    EXPECT_EQ(text(QStringLiteral("location.pathname")), folder.file("own.html"));
 }
 
 } // namespace

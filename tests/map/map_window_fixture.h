@@ -59,14 +59,15 @@ class MapWindowFixture : public PagesFixture {
     // Makes the view. To be called when hosts and settings are as the test wants them.
     QtWebBrowser& browser() {
         if (!browser_) {
+            const auto report = [this](std::string_view line) { log.addLogToList(line); };
             site_ = std::make_unique<MapSite>(MapSite::Environment{
-                .hosts = environment.hosts, .applicationPath = folder.path(), .pathPins = [this] {
-                    return settings.PathPins;
-                }});
+                .hosts = environment.hosts,
+                .applicationPath = applicationPath.empty() ? folder.path() : applicationPath,
+                .pathPins = [this] { return settings.PathPins; },
+                .report = report});
             frame_ = std::make_unique<QWidget>();
             frame_->resize(800, 600);
-            browser_ = std::make_unique<QtWebBrowser>(
-                *frame_, *site_, clock, [this](std::string_view line) { log.addLogToList(line); });
+            browser_ = std::make_unique<QtWebBrowser>(*frame_, *site_, clock, report, limits);
             browser_->setEvents(&events);
             frame_->show();
         }
@@ -128,6 +129,8 @@ class MapWindowFixture : public PagesFixture {
     Session session;
     QtClock clock{session};
     RecordingPageEvents events;
+    PageLimits limits;
+    std::string applicationPath; // empty: that of the folder
 
   private:
     std::unique_ptr<MapSite> site_;

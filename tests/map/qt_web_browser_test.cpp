@@ -1,5 +1,6 @@
 #include "map/map_window_fixture.h"
 #include "map/qt_web_browser.h"
+#include "support/raw_server.h"
 
 #include <QtCore/QTimer>
 #include <QtGui/QMouseEvent>
@@ -12,6 +13,8 @@ namespace tremor {
 namespace {
 
 using testing::MapWindowFixture;
+using testing::RawConnection;
+using testing::RawServer;
 using testing::Texts;
 
 // An element with a handler, and one without.
@@ -341,6 +344,37 @@ TEST_F(BrowserWindow, APageThatEndsAgainAndAgainIsGivenUpUntilTheNextNavigation)
     EXPECT_EQ(browser().fire("markers", Fire::Onclick), PageStatus::NoElement);
     ASSERT_TRUE(showFile("page.html"));
     EXPECT_EQ(browser().fire("markers", Fire::Onclick), PageStatus::Done);
+}
+
+TEST_F(BrowserWindow, APageThatStoodForAWhileIsShownAnewAgain) {
+    limits.steady = std::chrono::milliseconds(500);
+    ASSERT_TRUE(showPage(smallPage));
+    for (int times = 1; times <= 5; ++times) {
+        turnEvents(700);
+        events.clear();
+        killPage();
+        ASSERT_TRUE(waitFor([&] { return events.count("complete") > 0; }));
+        EXPECT_EQ(browser().fire("markers", Fire::Onclick), PageStatus::Done);
+    }
+    EXPECT_EQ(log.messages, Texts(5, "page.html ended unexpectedly and is shown anew."));
+}
+
+TEST_F(BrowserWindow, APageThatDoesNotComeInTimeIsReportedAndCompletes) {
+    const RawServer silent([](const RawConnection& connection) { connection.stall(); });
+    environment.hosts.MapsEngine = "online";
+    environment.hosts.MapsApi = silent.url("");
+    limits.load = std::chrono::milliseconds(1500);
+    writeMainPage();
+    const auto start = clock.steady();
+    ASSERT_TRUE(showFile("TremorLedger.html"));
+    EXPECT_GE(clock.steady() - start, limits.load / 2); // timers of the window system are coarse
+    EXPECT_EQ(browser().ReadyState(), WebBrowser::complete);
+    EXPECT_EQ(log.messages, Texts{"TremorLedger.html did not come in time."});
+    // It can be asked and left like any other page.
+    EXPECT_EQ(browser().fire("removeAll", Fire::Onclick), PageStatus::NoElement); // no handler yet
+    ASSERT_TRUE(showPage(smallPage));
+    EXPECT_EQ(browser().fire("markers", Fire::Onclick), PageStatus::Done);
+    EXPECT_EQ(log.messages.size(), 1U);
 }
 
 TEST_F(BrowserWindow, APageKilledDuringACommandIsGone) {

@@ -32,6 +32,13 @@ class ScaleBarPicture : public ::testing::Test {
         }
         return columns;
     }
+    static int ink(const QImage& image) {
+        int pixels = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                pixels += isDark(image, x, y) ? 1 : 0;
+        return pixels;
+    }
     // The longest horizontal line.
     static int longestLine(const QImage& image) {
         int longest = 0;
@@ -56,8 +63,8 @@ TEST_F(ScaleBarPicture, ShowsTheLengthAndABarOfFortyPixels) {
     bar.setLabel(QStringLiteral("12km "));
     const QImage image = picture();
     EXPECT_NEAR(longestLine(image), 41, 1); // both ends
-    EXPECT_GT(drawnColumns(image, 0, 110), 10);
-    EXPECT_GE(drawnColumns(image, 110, 160), 40);
+    EXPECT_EQ(drawnColumns(image, 110, 160), longestLine(image));
+    EXPECT_GT(ink(image), longestLine(image) + 30); // line, ticks and letters
     EXPECT_EQ(bar.label(), QStringLiteral("12km "));
     EXPECT_EQ(bar.accessibleDescription(), QStringLiteral("12km"));
 }
@@ -66,9 +73,16 @@ TEST_F(ScaleBarPicture, FollowsANewLabelAndIsEmptyAgainWithoutOne) {
     bar.setLabel(QStringLiteral("1km "));
     const QImage first = picture();
     bar.setLabel(QStringLiteral("1250km "));
-    EXPECT_GT(drawnColumns(picture(), 0, 110), drawnColumns(first, 0, 110));
+    EXPECT_GT(ink(picture()), ink(first));
     bar.setLabel(QString());
     EXPECT_EQ(drawnColumns(picture(), 0, 160), 0);
+}
+
+TEST_F(ScaleBarPicture, ShowsTheWidestLabelWholeInTheSpaceOfTheMainWindow) {
+    bar.setLabel(QStringLiteral("6261km ")); // the whole world
+    const int whole = ink(picture());
+    bar.resize(72, 25);
+    EXPECT_EQ(ink(picture()), whole);
 }
 
 TEST_F(ScaleBarPicture, KeepsToItsPlaceWhenItIsTooSmall) {
