@@ -186,10 +186,7 @@ std::int16_t textToInteger(std::string_view text, const NumberLocale& locale) {
 }
 
 float textToSingle(std::string_view text, const NumberLocale& locale) {
-    const double value = textToDouble(text, locale);
-    if (std::abs(value) > static_cast<double>(std::numeric_limits<float>::max()))
-        throw RuntimeError(ErrorNumber::Overflow);
-    return static_cast<float>(value);
+    return doubleToSingle(textToDouble(text, locale));
 }
 
 bool isNumericText(std::string_view text, const NumberLocale& locale) {
@@ -224,6 +221,12 @@ std::int32_t doubleToLong(double value) {
 
 std::int16_t doubleToInteger(double value) {
     return roundedTo<std::int16_t>(value);
+}
+
+float doubleToSingle(double value) {
+    if (std::abs(value) > static_cast<double>(std::numeric_limits<float>::max()))
+        throw RuntimeError(ErrorNumber::Overflow);
+    return static_cast<float>(value);
 }
 
 } // namespace tremor

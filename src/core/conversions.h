@@ -51,4 +51,7 @@ double roundHalfEven(double value, int decimals = 0);
 std::int32_t doubleToLong(double value);
 std::int16_t doubleToInteger(double value);
 
+// The nearest 32-bit float; error 6 outside its range.
+float doubleToSingle(double value);
+
 } // namespace tremor

@@ -85,6 +85,17 @@ class Clock {
     virtual void repaint() = 0;
 };
 
+// The loudspeaker.
+class Sound {
+  public:
+    virtual ~Sound() = default;
+
+    // Plays a WAV file and returns when it has been played to its end. Meanwhile windows repaint
+    // and nothing else happens, as in Clock::repaint. Returns at once, and tells nobody, when the
+    // file is missing or is no WAV file, or when there is no device.
+    virtual void play(std::string_view path) = 0;
+};
+
 // The activity log as everybody but its own window sees it.
 class Log {
   public:

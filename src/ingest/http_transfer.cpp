@@ -21,20 +21,15 @@ bool namesALocation(std::string_view line) {
 } // namespace
 
 HttpTransfer::HttpTransfer(std::string_view url, const DownloadLimits& limits)
-    : easy_(curl_easy_init()), multi_(curl_multi_init()), maximumBytes_(limits.maximumBytes) {
-    if (!easy_ || !multi_)
+    : maximumBytes_(limits.maximumBytes) {
+    if (transfer_.easy() == nullptr)
         return;
     setOptions(url, limits);
-    started_ = curl_multi_add_handle(multi_.get(), easy_.get()) == CURLM_OK;
-}
-
-HttpTransfer::~HttpTransfer() {
-    if (started_)
-        curl_multi_remove_handle(multi_.get(), easy_.get());
+    started_ = transfer_.start();
 }
 
 void HttpTransfer::setOptions(std::string_view url, const DownloadLimits& limits) {
-    CURL* easy = easy_.get();
+    CURL* easy = transfer_.easy();
     curl_easy_setopt(easy, CURLOPT_URL, percentEncodeRefused(url).c_str());
     curl_easy_setopt(easy, CURLOPT_USERAGENT, programTitle);
     // Always from the server, never from a cache on the way.
@@ -46,21 +41,10 @@ void HttpTransfer::setOptions(std::string_view url, const DownloadLimits& limits
     curl_easy_setopt(easy, CURLOPT_FOLLOWLOCATION, 1L);
     curl_easy_setopt(easy, CURLOPT_MAXREDIRS, static_cast<long>(limits.maximumRedirects));
 
-    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYPEER, 1L);
-    curl_easy_setopt(easy, CURLOPT_SSL_VERIFYHOST, 2L);
-    // This replaces libcurl's bundle only; its folder of the system's authorities (CURLOPT_CAPATH)
-    // stays in force beside it.
-    if (!limits.certificateAuthorityFile.empty())
-        curl_easy_setopt(easy, CURLOPT_CAINFO, limits.certificateAuthorityFile.c_str());
-
-    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT, static_cast<long>(limits.connectSeconds));
+    transfer_.setBounds(
+        {limits.connectSeconds, limits.totalSeconds, limits.certificateAuthorityFile});
     curl_easy_setopt(easy, CURLOPT_LOW_SPEED_TIME, static_cast<long>(limits.stallSeconds));
     curl_easy_setopt(easy, CURLOPT_LOW_SPEED_LIMIT, static_cast<long>(limits.stallBytesPerSecond));
-    curl_easy_setopt(easy, CURLOPT_TIMEOUT, static_cast<long>(limits.totalSeconds));
-    // No signals for time-outs of the resolver, and no waiting for its thread when the transfer is
-    // dropped: a cancel must not hang on a silent name server.
-    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(easy, CURLOPT_QUICK_EXIT, 1L);
 
     curl_easy_setopt(easy, CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     curl_easy_setopt(easy, CURLOPT_HEADERFUNCTION, onHeader);
@@ -69,40 +53,15 @@ void HttpTransfer::setOptions(std::string_view url, const DownloadLimits& limits
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
 }
 
-void HttpTransfer::advance() {
-    if (finished_)
-        return;
-    int running = 0;
-    if (curl_multi_perform(multi_.get(), &running) != CURLM_OK) {
-        finished_ = true;
-        result_ = CURLE_RECV_ERROR;
-        return;
-    }
-    int waiting = 0;
-    while (const CURLMsg* message = curl_multi_info_read(multi_.get(), &waiting)) {
-        if (message->msg != CURLMSG_DONE)
-            continue;
-        finished_ = true;
-        result_ = message->data.result;
-        // libcurl takes a connection that closes inside the head for an empty answer.
-        if (result_ == CURLE_OK && !answered_)
-            result_ = CURLE_GOT_NOTHING;
-    }
-}
-
-void HttpTransfer::waitForTraffic() {
-    curl_multi_poll(multi_.get(), nullptr, 0, curlTurnMilliseconds, nullptr);
-}
-
 int HttpTransfer::status() const {
     long status = 0;
-    curl_easy_getinfo(easy_.get(), CURLINFO_RESPONSE_CODE, &status);
+    curl_easy_getinfo(transfer_.easy(), CURLINFO_RESPONSE_CODE, &status);
     return static_cast<int>(status);
 }
 
 std::int64_t HttpTransfer::contentLength() const {
     curl_off_t length = -1;
-    curl_easy_getinfo(easy_.get(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
+    curl_easy_getinfo(transfer_.easy(), CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
     return length < 0 ? 0 : length;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ingest/curl_handle.h"
+#include "core/curl_transfer.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,7 +26,6 @@ class HttpTransfer {
   public:
     // `url` as for percentEncodeRefused. Nothing is sent before the first turn.
     HttpTransfer(std::string_view url, const DownloadLimits& limits);
-    ~HttpTransfer();
     HttpTransfer(const HttpTransfer&) = delete;
     HttpTransfer& operator=(const HttpTransfer&) = delete;
 
@@ -34,17 +33,20 @@ class HttpTransfer {
     bool started() const { return started_; }
 
     // Sends and receives what the network allows now; returns at once.
-    void advance();
+    void advance() { transfer_.advance(); }
 
     // Waits until there is something to advance with, one turn at most.
-    void waitForTraffic();
+    void waitForTraffic() { transfer_.waitForTraffic(); }
 
     // The head of the final answer is there (redirects have been followed).
     bool answered() const { return answered_; }
     // Nothing more will come.
-    bool finished() const { return finished_; }
-    // It ended before the whole answer was there, or the body is over the limit.
-    bool failed() const { return finished_ && result_ != CURLE_OK; }
+    bool finished() const { return transfer_.finished(); }
+    // It ended before the whole answer was there, or the body is over the limit. libcurl takes a
+    // connection that closes inside the head for an empty answer.
+    bool failed() const {
+        return transfer_.finished() && (transfer_.result() != CURLE_OK || !answered_);
+    }
 
     int status() const;                 // of the answer, for example 200
     std::int64_t contentLength() const; // announced bytes of the body; 0 when none are announced
@@ -61,17 +63,14 @@ class HttpTransfer {
     void setOptions(std::string_view url, const DownloadLimits& limits);
 
     CurlHeaders requestHeaders_;
-    CurlEasy easy_;
-    CurlMulti multi_;
     std::int64_t maximumBytes_;
     std::int64_t received_ = 0;
     std::string body_;
     std::size_t taken_ = 0;
-    CURLcode result_ = CURLE_OK;
     bool redirect_ = false; // the head that is being read names another location
     bool started_ = false;
     bool answered_ = false;
-    bool finished_ = false;
+    CurlTransfer transfer_; // ends before what its callbacks write to
 };
 
 // Percent-encodes the bytes that may not stand in an address: blanks and control bytes, bytes

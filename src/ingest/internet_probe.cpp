@@ -1,7 +1,7 @@
 #include "ingest/internet_probe.h"
 
+#include "core/curl_handle.h"
 #include "core/flag_scope.h"
-#include "ingest/curl_handle.h"
 
 #include <optional>
 #include <utility>

@@ -10,13 +10,14 @@
 
 namespace tremor {
 
-HttpFileTransfer::HttpFileTransfer(Clock& clock, const Session& session, const Hosts& hosts)
-    : clock_(clock), session_(session), hosts_(hosts) {}
+HttpFileTransfer::HttpFileTransfer(Clock& clock, const Session& session, const Hosts& hosts,
+                                   DownloadLimits limits)
+    : clock_(clock), session_(session), hosts_(hosts), limits_(std::move(limits)) {}
 
 void HttpFileTransfer::DownloadFile(DownloadEvents& events, std::string_view url,
                                     std::string_view target, std::int32_t chunkSize,
                                     bool withoutStatusCheck) {
-    DownloadLimits limits;
+    DownloadLimits limits = limits_;
     limits.certificateAuthorityFile = hosts_.CaFile;
     ClsDownloader downloader(events, clock_, session_, limits);
     downloader.DownloadFile(url, target, chunkSize, withoutStatusCheck);

@@ -20,10 +20,12 @@ class FileTransfer {
                               std::int32_t chunkSize, bool withoutStatusCheck) = 0;
 };
 
-// The real one: a fresh ClsDownloader for each transfer.
+// The real one: a fresh ClsDownloader for each transfer, within `limits`. The authority's file
+// comes from `hosts`.
 class HttpFileTransfer : public FileTransfer {
   public:
-    HttpFileTransfer(Clock& clock, const Session& session, const Hosts& hosts);
+    HttpFileTransfer(Clock& clock, const Session& session, const Hosts& hosts,
+                     DownloadLimits limits = {});
     void DownloadFile(DownloadEvents& events, std::string_view url, std::string_view target,
                       std::int32_t chunkSize, bool withoutStatusCheck) override;
 
@@ -31,6 +33,7 @@ class HttpFileTransfer : public FileTransfer {
     Clock& clock_;
     const Session& session_;
     const Hosts& hosts_;
+    DownloadLimits limits_;
 };
 
 // The downloads of the main window: their progress on its controls, and the wait for their end.

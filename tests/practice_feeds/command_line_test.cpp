@@ -19,13 +19,14 @@ TEST(PracticeCommandLine, HasItsDefaults) {
     EXPECT_EQ(line.hostsIniFile, "");
     EXPECT_EQ(line.server.seisCompFolder, "");
     EXPECT_EQ(line.server.livelocFolder, "");
+    EXPECT_EQ(line.server.pagerlinkPort, std::nullopt);
     EXPECT_FALSE(line.help);
 }
 
 TEST(PracticeCommandLine, ReadsEveryOption) {
     const CommandLine line = parseCommandLine(
         {"--port", "8080", "--data", "d", "--every", "90", "--speed", "4", "--seed", "7", "--fixed",
-         "--hosts-ini", "h.ini", "--seiscomp", "s", "--liveloc", "l"});
+         "--hosts-ini", "h.ini", "--seiscomp", "s", "--liveloc", "l", "--pagerlink", "7000"});
     EXPECT_EQ(line.server.port, 8080);
     EXPECT_EQ(line.server.catalogue.every, 22500ms);
     EXPECT_EQ(line.server.catalogue.seed, 7u);
@@ -33,6 +34,7 @@ TEST(PracticeCommandLine, ReadsEveryOption) {
     EXPECT_EQ(line.hostsIniFile, "h.ini");
     EXPECT_EQ(line.server.seisCompFolder, "s");
     EXPECT_EQ(line.server.livelocFolder, "l");
+    EXPECT_EQ(line.server.pagerlinkPort, 7000);
     EXPECT_TRUE(parseCommandLine({"--help"}).help);
 }
 
@@ -51,6 +53,7 @@ TEST(PracticeCommandLine, RefusesWhatItDoesNotUnderstand) {
         {"--data", "d", "--unknown"},
         {"--data", "d", "--seiscomp"},
         {"--data", "d", "--liveloc"},
+        {"--data", "d", "--pagerlink", "70000"},
         {"documents"},
     };
     for (const auto& words : wrong)

@@ -154,9 +154,10 @@ TEST_F(PracticeServerTest, AnswersTheProbeAndNothingItDoesNotKnow) {
 TEST_F(PracticeServerTest, WritesAHostsFileThatTheProgramUnderstands) {
     const Hosts hosts = parseHosts(server.hostsIni());
     for (const std::string& address :
-         {hosts.InternetProbe, hosts.Ingv, hosts.Emsc, hosts.Iside, hosts.Telegram, hosts.GeoNames})
+         {hosts.InternetProbe, hosts.Ingv, hosts.Emsc, hosts.Iside, hosts.Telegram})
         EXPECT_EQ(address, server.url());
     EXPECT_EQ(hosts.Usgs, server.url() + "/usgs");
+    EXPECT_EQ(hosts.GeoNames, server.url() + "/geonames");
     EXPECT_EQ(hosts.StaticMap, "embedded");
 }
 

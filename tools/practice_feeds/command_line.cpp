@@ -53,6 +53,8 @@ CommandLine parseCommandLine(const std::vector<std::string_view>& words) {
             line.server.seisCompFolder = value();
         else if (option == "--liveloc")
             line.server.livelocFolder = value();
+        else if (option == "--pagerlink")
+            line.server.pagerlinkPort = numberOf(option, value(), 0, 65535);
         else if (option == "--hosts-ini")
             line.hostsIniFile = value();
         else
@@ -70,7 +72,7 @@ std::string_view helpText() {
 
 Stands in for the remote services on 127.0.0.1 until it gets SIGTERM or SIGINT.
 
-  --data FOLDER      the documents to serve; holds ingv/...
+  --data FOLDER      the documents to serve; holds ingv/... and geonames/...
   --port N           port to listen on; 0, the default, takes any free one
   --every SECONDS    time between two new events; 180 by default, 0 for none
   --speed X          new events come X times as often; 1 by default
@@ -79,6 +81,7 @@ Stands in for the remote services on 127.0.0.1 until it gets SIGTERM or SIGINT.
                      no new events anywhere but those of /practice/add
   --seiscomp FOLDER  write events there as SeisComP does: evNNNN/last
   --liveloc FOLDER   write events there as a locator with a SEISAN database does
+  --pagerlink PORT   stand in for a Pagerlink server on that UDP port; 0 takes any free one
   --hosts-ini FILE   write a hosts.ini that points the program here
   --help             this text
 
@@ -86,6 +89,9 @@ Services:
   /fdsnws/event/1/query                 INGV, text format
   /usgs/fdsnws/event/1/query            USGS, QuakeML
   /service/rss/rss.php                  EMSC, RSS
+  /bot1:practice/METHOD                 Telegram's Bot API: getMe, getUpdates, sendMessage,
+                                        sendLocation
+  /geonames/export/dump/                GeoNames: index page, countryInfo.txt, AD.zip
   /                                     200, for the Internet probe
 Control, by GET or POST:
   /practice/fault?kind=KIND[&count=N]   404, 204, 500, cut, stall, garbage, slow or none,
@@ -97,6 +103,18 @@ Control, by GET or POST:
   /practice/served[?source=NAME]        the whole current catalogue of a service
   /practice/last                        the last document given without a fault
   /practice/log                         the requests received so far
+  /practice/pagerlink                   Pagerlink's port and the datagrams received so far
+  /practice/pagerlink/fault?kind=KIND   silent, refusing, garbage, foreign, late or none
+  /practice/pagerlink/users?names=A%20B who is connected
+  /practice/pagerlink/clear             forget the datagrams
+  /practice/geonames/fault?kind=KIND[&count=N]
+                                        as /practice/fault, for GeoNames alone
+  /practice/telegram                    the messages that the bot has sent so far
+  /practice/telegram/write?id=N&first_name=NAME[&last_name=NAME][&text=TEXT]
+                                        somebody writes to the bot
+  /practice/telegram/block?id=N         somebody blocks it; unblock lets it in again
+  /practice/telegram/clear              forget the messages
+  /practice/telegram/fault?kind=KIND[&count=N]   as above, for Telegram alone
 )";
 }
 

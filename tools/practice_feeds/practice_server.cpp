@@ -4,9 +4,12 @@
 #include "practice_feeds/epicentres.h"
 #include "practice_feeds/fault_plan.h"
 #include "practice_feeds/faulty_answer.h"
+#include "practice_feeds/geonames_area.h"
 #include "practice_feeds/ingv_feed.h"
 #include "practice_feeds/liveloc_folder.h"
+#include "practice_feeds/pagerlink_service.h"
 #include "practice_feeds/seiscomp_folder.h"
+#include "practice_feeds/telegram_service.h"
 #include "practice_feeds/usgs_feed.h"
 
 #include <fmt/format.h>
@@ -38,9 +41,9 @@ struct HostKey {
 };
 
 // Keys of hosts.ini that may point here.
-constexpr HostKey hostKeys[] = {{"InternetProbe", ""}, {"Ingv", ""},  {"Usgs", UsgsFeed::prefix},
-                                {"Emsc", ""},          {"Iside", ""}, {"Telegram", ""},
-                                {"GeoNames", ""}};
+constexpr HostKey hostKeys[] = {
+    {"InternetProbe", ""}, {"Ingv", ""},     {"Usgs", UsgsFeed::prefix},        {"Emsc", ""},
+    {"Iside", ""},         {"Telegram", ""}, {"GeoNames", GeoNamesArea::prefix}};
 
 UtcTime systemNow() {
     return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
@@ -115,9 +118,13 @@ class PracticeServer::Impl {
     void control(const std::string& path, const Handler& handler);
     void addControls();
     void log(const httplib::Request& request);
-    void switchFault(const httplib::Request& request, httplib::Response& response);
+    static void switchFault(FaultPlan& plan, const httplib::Request& request,
+                            httplib::Response& response);
     void addEvent(const httplib::Request& request, httplib::Response& response);
     void lookAfterFolders();
+    void startPagerlink(int port);
+    void startTelegram();
+    void startGeoNames();
 
     // The service or locator that a control request names; nothing (null) for another name.
     template <class Source>
@@ -136,6 +143,11 @@ class PracticeServer::Impl {
     EmscFeed emsc_;
     std::unique_ptr<SeisCompFolder> seisComp_;
     std::unique_ptr<LivelocFolder> liveloc_;
+    std::unique_ptr<PagerlinkService> pagerlink_;
+    FaultPlan geoNamesFaults_;
+    GeoNamesArea geoNames_;
+    FaultPlan telegramFaults_;
+    TelegramService telegram_;
     std::vector<PracticeService*> services_{&ingv_, &usgs_, &emsc_};
     std::vector<LocalLocator*> locators_;
     std::vector<EventSource*> sources_{&ingv_, &usgs_, &emsc_};
@@ -152,7 +164,8 @@ class PracticeServer::Impl {
 PracticeServer::Impl::Impl(const ServerOptions& options)
     : ingv_(ingvCatalogue(options), options.catalogue.fixed),
       usgs_(usgsCatalogue(options)),
-      emsc_(emscCatalogue(options)) {
+      emsc_(emscCatalogue(options)),
+      geoNames_(options.dataFolder + "/geonames") {
     if (!options.seisCompFolder.empty()) {
         seisComp_ =
             std::make_unique<SeisCompFolder>(options.seisCompFolder, localCatalogue(options));
@@ -166,6 +179,10 @@ PracticeServer::Impl::Impl(const ServerOptions& options)
     for (PracticeService* service : services_)
         serve(*service);
     addControls();
+    startTelegram();
+    startGeoNames();
+    if (options.pagerlinkPort)
+        startPagerlink(*options.pagerlinkPort);
     server_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response&) {
         log(request);
         return httplib::Server::HandlerResponse::Unhandled;
@@ -231,6 +248,47 @@ void PracticeServer::Impl::serve(PracticeService& service) {
             });
 }
 
+void PracticeServer::Impl::startTelegram() {
+    server_.Get(std::string(TelegramService::requestPattern),
+                [this](const httplib::Request& request, httplib::Response& response) {
+                    const Fault fault = telegramFaults_.take();
+                    respond(telegram_.answer(TelegramService::requestOf(request.target)), fault,
+                            response, ending_);
+                });
+    for (const std::string& path : TelegramService::controlPaths())
+        control(path, [this](const httplib::Request& request, httplib::Response& response) {
+            const Answer answer = telegram_.control(serviceRequest(request));
+            response.status = answer.status;
+            response.set_content(answer.body, answer.contentType);
+        });
+    control("/practice/telegram/fault",
+            [this](const httplib::Request& request, httplib::Response& response) {
+                switchFault(telegramFaults_, request, response);
+            });
+}
+
+void PracticeServer::Impl::startGeoNames() {
+    server_.Get(std::string(GeoNamesArea::requestPattern),
+                [this](const httplib::Request& request, httplib::Response& response) {
+                    const Fault fault = geoNamesFaults_.take();
+                    respond(geoNames_.answer(serviceRequest(request)), fault, response, ending_);
+                });
+    control("/practice/geonames/fault",
+            [this](const httplib::Request& request, httplib::Response& response) {
+                switchFault(geoNamesFaults_, request, response);
+            });
+}
+
+void PracticeServer::Impl::startPagerlink(int port) {
+    pagerlink_ = std::make_unique<PagerlinkService>(port);
+    for (const std::string& path : pagerlink_->paths())
+        control(path, [this](const httplib::Request& request, httplib::Response& response) {
+            const Answer answer = pagerlink_->answer(serviceRequest(request));
+            response.status = answer.status;
+            response.set_content(answer.body, answer.contentType);
+        });
+}
+
 void PracticeServer::Impl::control(const std::string& path, const Handler& handler) {
     server_.Get(path, handler);
     server_.Post(path, handler);
@@ -243,7 +301,7 @@ void PracticeServer::Impl::addControls() {
     });
     control("/practice/fault",
             [this](const httplib::Request& request, httplib::Response& response) {
-                switchFault(request, response);
+                switchFault(faults_, request, response);
             });
     control("/practice/add", [this](const httplib::Request& request, httplib::Response& response) {
         addEvent(request, response);
@@ -271,7 +329,7 @@ void PracticeServer::Impl::addControls() {
     });
 }
 
-void PracticeServer::Impl::switchFault(const httplib::Request& request,
+void PracticeServer::Impl::switchFault(FaultPlan& plan, const httplib::Request& request,
                                        httplib::Response& response) {
     const std::optional<Fault> fault = faultFromText(request.get_param_value("kind"));
     const std::optional<int> count =
@@ -279,7 +337,7 @@ void PracticeServer::Impl::switchFault(const httplib::Request& request,
     if (!fault || !count)
         return refuse(response, "kind is 404, 204, 500, cut, stall, garbage, slow or none; "
                                 "count is a number from 1 on, or 0 for all requests");
-    faults_.set(*fault, *count);
+    plan.set(*fault, *count);
     response.set_content("ok\n", "text/plain");
 }
 

@@ -4,16 +4,18 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace tremor::practice {
 
 struct ServerOptions {
     int port = 0;           // 0: any free one
-    std::string dataFolder; // holds ingv/…
+    std::string dataFolder; // holds ingv/… and geonames/…
     CatalogueOptions catalogue;
-    std::string seisCompFolder; // where events are written as SeisComP does; empty: nowhere
-    std::string livelocFolder;  // where S-files are written; empty: nowhere
+    std::string seisCompFolder;       // where events are written as SeisComP does; empty: nowhere
+    std::string livelocFolder;        // where S-files are written; empty: nowhere
+    std::optional<int> pagerlinkPort; // 0: any free one; nothing: no Pagerlink server
 };
 
 // Stands in for the remote services on 127.0.0.1. Beside the services it answers
@@ -26,6 +28,10 @@ struct ServerOptions {
 //   /practice/last                             the last document given without a fault
 //   /practice/log                              "GET target" of each request so far, answered or
 //   not, one a line
+//   /practice/pagerlink…                       see pagerlink_service.h
+//   /practice/geonames/fault?kind=KIND[&count=N]   a fault of GeoNames alone
+//   /practice/telegram…                        see telegram_service.h
+//   /practice/telegram/fault?kind=KIND[&count=N]   a fault of Telegram alone, which meets no other
 // by GET and POST alike. Control requests meet no faults and stand in no log.
 class PracticeServer {
   public:

@@ -92,7 +92,8 @@ function polygonsOf(geojson) {
     return geometry.type === "Polygon" ? [geometry.coordinates] : geometry.coordinates;
 }
 
-function packLevel(name) {
+// One generalisation's grid and numbers.
+export function levelNumbers(name) {
     const atlas = readAtlas(name);
     const [stepX, stepY] = atlas.transform.scale;
     const [west, south] = atlas.transform.translate;
@@ -102,7 +103,12 @@ function packLevel(name) {
     const writer = new NumberWriter();
     writeLines(writer, rings, grid);
     writeLines(writer, borders, grid);
-    return { ...grid, data: deflateRawSync(writer.bytes(), { level: 9 }).toString("base64") };
+    return { grid, bytes: writer.bytes() };
+}
+
+function packLevel(name) {
+    const { grid, bytes } = levelNumbers(name);
+    return { ...grid, data: deflateRawSync(bytes, { level: 9 }).toString("base64") };
 }
 
 // [name, longitude, latitude, room]: where a country's name stands and how far from there, in
