@@ -94,6 +94,14 @@ struct EventMarkers::Lists {
         markers.set("Depth", colours);
         markers.set("magnitude", magnitude.text());
     }
+
+    // What the maps get whose pins may lie elsewhere than beside the page.
+    void writeMarkers(PageElement& markers, const AppSettings& settings) const {
+        writePlaces(markers, settings);
+        markers.set("magnitude", magnitude.text());
+        writeColours(markers);
+        markers.set("urlpin", settings.PathPins);
+    }
 };
 
 EventMarkers::EventMarkers(Database& database, const AppSettings& settings, NumberLocale locale,
@@ -133,13 +141,7 @@ void EventMarkers::eventsInMap(std::string_view sql) {
 
 void EventMarkers::eventsInMap2(std::string_view sql) {
     const ProcedureTrace trace(errors_, module, "eventsInMap2");
-    database_.slsSel(sql);
-    std::vector<EventMarkerRow> rows = markerRows(database_.takeResult());
-    rows.pop_back();
-    Lists lists;
-    for (const EventMarkerRow& row : rows)
-        lists.add(row);
-    colour(lists);
+    const Lists lists = listsOf(sql);
     if (map_.ReadyState() != WebBrowser::complete)
         return;
     lastEventMap_.fire("removeAll", Fire::Onclick);
@@ -147,6 +149,15 @@ void EventMarkers::eventsInMap2(std::string_view sql) {
     lists.writePlaces(markers, settings_);
     lists.writeColours(markers);
     lastEventMap_.fire("eventi", Fire::Onclick);
+}
+
+void EventMarkers::eventsInMapWRKS(WebBrowser& workspaceMap, std::string_view sql) {
+    const ProcedureTrace trace(errors_, module, "eventsInMapWRKS");
+    const Lists lists = listsOf(sql);
+    if (workspaceMap.ReadyState() != WebBrowser::complete)
+        return;
+    PageElement markers(workspaceMap, "markers");
+    lists.writeMarkers(markers, settings_);
 }
 
 void EventMarkers::visualizeEventsinRectangle(std::string_view utcFilter) {
@@ -194,6 +205,18 @@ void EventMarkers::tellNotCompared(const DuplicatePassReport& report,
     throw RuntimeError(ErrorNumber::TypeMismatch);
 }
 
+// All events of a query, without the empty entry behind them.
+EventMarkers::Lists EventMarkers::listsOf(std::string_view sql) {
+    database_.slsSel(sql);
+    std::vector<EventMarkerRow> rows = markerRows(database_.takeResult());
+    rows.pop_back();
+    Lists lists;
+    for (const EventMarkerRow& row : rows)
+        lists.add(row);
+    colour(lists);
+    return lists;
+}
+
 void EventMarkers::colour(Lists& lists) const {
     const std::vector<std::string_view> depths = split(lists.depth.text(), MarkerList::separator);
     std::vector<std::string_view> magnitudes = split(lists.magnitude.text(), MarkerList::separator);
@@ -202,10 +225,7 @@ void EventMarkers::colour(Lists& lists) const {
 
 void EventMarkers::writeMarkers(const Lists& lists) {
     PageElement markers(map_, "markers");
-    lists.writePlaces(markers, settings_);
-    markers.set("magnitude", lists.magnitude.text());
-    lists.writeColours(markers);
-    markers.set("urlpin", settings_.PathPins);
+    lists.writeMarkers(markers, settings_);
     markers.set("GIFLAST", settings_.AnimatedGif);
 }
 

@@ -56,6 +56,10 @@ class EventMarkers {
     // Shows all events of a query on the map of the newest event, if the main map is complete.
     void eventsInMap2(std::string_view sql);
 
+    // Hands all events of a query to the map of one workspace, if that map is complete. Nothing is
+    // drawn before somebody fires `eventi`. Waits for no answer of the page.
+    void eventsInMapWRKS(WebBrowser& workspaceMap, std::string_view sql);
+
     // Fills the grid with the condition in force, else with `utcFilter`, and draws the chart.
     void visualizeEventsinRectangle(std::string_view utcFilter);
 
@@ -71,6 +75,7 @@ class EventMarkers {
     void markDuplicates(std::vector<EventMarkerRow>& rows, ProcedureTrace& trace);
     void tellNotCompared(const DuplicatePassReport& report,
                          const std::vector<EventMarkerRow>& rows);
+    Lists listsOf(std::string_view sql);
     void colour(Lists& lists) const;
     void writeMarkers(const Lists& lists);
     void greyGrid();

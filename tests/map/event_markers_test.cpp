@@ -11,6 +11,7 @@ namespace tremor {
 namespace {
 
 using testing::EventMarkersTest;
+using testing::RecordingWebBrowser;
 using Texts = std::vector<std::string>;
 using Rows = std::set<std::int64_t>;
 
@@ -185,6 +186,38 @@ TEST_F(EventMarkersTest, WaitsForTheMainMapBeforeItTouchesTheLastEventMap) {
     lastEventMap.readyState = 1;
     markers.eventsInMap2(everything);
     EXPECT_EQ(lastEventMap.calls.back(), "eventi.Onclick");
+}
+
+TEST_F(EventMarkersTest, HandsAllReportsToTheMapOfAWorkspaceAndLeavesTheDrawingToOthers) {
+    storePair();
+    RecordingWebBrowser workspaceMap;
+    markers.eventsInMapWRKS(workspaceMap, everything + " order by UTC desc");
+    EXPECT_EQ(workspaceMap.calls,
+              (Texts{"markers.PINSMODE=1", "markers.PINSCALE=3", "markers.latitude=",
+                     "markers.longitude=", "markers.Eutc=", "markers.longitude='13.23'13.23'",
+                     "markers.Eutc='2016-08-24 02:03:09.100'2016-08-24 02:03:00.100'",
+                     "markers.latitude='42.7'42.7045'", "markers.magnitude='6.0'5.5'",
+                     "markers.eventsColor='yellow'#33FF00'#FFFFFF'",
+                     "markers.Depth='yellow'#33FF00'#FFFFFF'", "markers.magnitude='6.0'5.5'",
+                     "markers.urlpin=/program/Img/"}));
+    EXPECT_TRUE(map.calls.empty());
+    EXPECT_TRUE(lastEventMap.calls.empty());
+    EXPECT_TRUE(markers.EventsOnMap().empty()) << "the array is that of the main map";
+}
+
+TEST_F(EventMarkersTest, PassesOverAMapOfAWorkspaceThatIsStillLoading) {
+    storePair();
+    RecordingWebBrowser workspaceMap;
+    workspaceMap.readyState = 3;
+    markers.eventsInMapWRKS(workspaceMap, everything);
+    EXPECT_TRUE(workspaceMap.calls.empty());
+}
+
+TEST_F(EventMarkersTest, TakesTheMarkersOffTheMapOfAWorkspaceWhoseQueryFails) {
+    storePair();
+    RecordingWebBrowser workspaceMap;
+    markers.eventsInMapWRKS(workspaceMap, "select * from Events where (Latitude >= )");
+    EXPECT_EQ(workspaceMap.attribute("markers", "Eutc"), "'");
 }
 
 TEST_F(EventMarkersTest, GoesOnSilentlyWithoutAnElement) {
