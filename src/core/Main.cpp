@@ -6,6 +6,7 @@
 #include "core/qt_clock.h"
 #include "core/qt_prompts.h"
 #include "core/qt_text.h"
+#include "core/sdl_sound.h"
 #include "core/session.h"
 #include "map/map_site.h"
 
@@ -41,8 +42,9 @@ int main(int argc, char* argv[]) {
         return 0;
 
     tremor::QtBrowserMaker browsers(hosts, applicationPath, clock);
+    tremor::SdlSound sound(clock, session);
     tremor::panel window({session, prompts, clock, errors, hosts, applicationPath,
-                          tremor::numberLocale(), browsers});
+                          tremor::numberLocale(), browsers, sound});
     prompts.setParentWindow(&window);
     // Closing can happen deep inside a wait: the loop ends once everything has returned to it.
     QObject::connect(&window, &tremor::panel::unloaded, &application, &QCoreApplication::quit,

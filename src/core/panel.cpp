@@ -15,7 +15,9 @@
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QGroupBox>
+#include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
+#include <QtWidgets/QPushButton>
 
 #include <algorithm>
 #include <chrono>
@@ -27,7 +29,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::string_view module = "Form - panel";
-constexpr char globalWorkspace[] = "Global";
 
 constexpr auto tickInterval = 1000ms;
 constexpr auto snapshotInterval = 5000ms;
@@ -100,6 +101,8 @@ panel::panel(const PanelEnvironment& environment)
     connectMenu();
     connectGrid();
     connectMap();
+    connectWorkspaces();
+    connectChart();
     widgets_.Frame2->installEventFilter(this);
     TimerCheckScreenshot_.start();
 }
@@ -122,6 +125,8 @@ void panel::connectMenu() {
             [this] { components_.csvExport.mnu_exportDatabaseCSV_Click(); });
     onClick("mnu_ImportCSV", [this] { components_.csvImport.mnu_ImportCSV_Click(); });
     onClick("mnu_imp_seiscomp2_6", [this] { components_.seisComp.readSeisCompVers2_6(true, {}); });
+    onClick("Setup", [this] { components_.setup.Setup_Click(); });
+    onClick("mnu_ManageDB", [this] { components_.manage.mnu_ManageDB_Click(); });
     onClick("mnu_Exit", [this] { close(); });
     onClick("mnuUpdateWRKwithEvents", &panel::mnuUpdateWRKwithEvents_Click);
     onClick("mnuShowFaults",
@@ -140,6 +145,34 @@ void panel::connectMap() {
     onClick(widgets_.chk_Legend, &MapOverlays::chk_Legend_Click);
     onClick(widgets_.chk_SearchMode, &MapOverlays::chk_SearchMode_Click);
     onClick(widgets_.chk_ShowStations, &MapOverlays::chk_ShowStations_Click);
+}
+
+void panel::connectWorkspaces() {
+    Workspaces& workspaces = components_.workspaces.workspaces();
+    // The operator's choice and the change that it makes are one event here.
+    connect(widgets_.cmb_wrkSp, &QComboBox::activated, this,
+            [&workspaces] { workspaces.cmb_wrkSp_Click(); });
+    connect(widgets_.cmd_SaveArea, &QPushButton::clicked, this,
+            [&workspaces] { workspaces.cmd_SaveArea_Click(); });
+    connect(widgets_.cmd_JumpWRK, &QPushButton::clicked, this,
+            [&workspaces] { workspaces.gotoWRK(); });
+    const auto onClick = [this](std::string_view name, auto handler) {
+        connect(&menu_.item(name), &QAction::triggered, this, handler);
+    };
+    onClick("mnuSearch", [this] { components_.workspaces.showSearchWindow(false); });
+    onClick("mnuSearchWRK", [&workspaces] { workspaces.mnuSearchWRK_Click(); });
+    onClick("mnuJump2WRK", [&workspaces] { workspaces.gotoWRK(); });
+    onClick("mnuDeleteWRK", [&workspaces] { workspaces.deleteWRK(); });
+    // A search changes the setting as well.
+    QAction& updating = menu_.item("mnuUpdateWRKwithEvents");
+    connect(qobject_cast<QMenu*>(updating.parent()), &QMenu::aboutToShow, this,
+            [this, &updating] { updating.setChecked(components_.settings.wrkSpaceUpdating == 1); });
+    onClick("mnu_wrkspaces", [this] { components_.workspaces.windows().mnu_wrkspaces_Click(); });
+}
+
+void panel::connectChart() {
+    connect(widgets_.PicEvHist, &EventHistoryChartView::resized, this,
+            [this] { components_.chart.PicEvHist_Resize(); });
 }
 
 void panel::connectGrid() {
@@ -223,8 +256,9 @@ void panel::Form_Unload() {
     session.WaitCounter = Session::waitCounterClosing;
     session.Closing = true;
     stopTimers(); // a tick may have run between
-    trace.step([&] { components_.steps.lastEventInDb(); });
-    components_.settings.LastEvent = dayWithSlashes(components_.settings.LastEvent);
+    std::string newest;
+    trace.step([&] { newest = components_.alerts.newEvents().lastEventInDb(); });
+    components_.settings.LastEvent = dayWithSlashes(newest);
     components_.settingsUtilities.WriteSettings();
     closeOtherWindows();
     if (windowHandle() != nullptr)
@@ -239,6 +273,7 @@ void panel::stopTimers() {
 }
 
 void panel::closeOtherWindows() {
+    components_.workspaces.windows().closeAll();
     QList<QPointer<QWidget>> windows;
     for (QWidget* window : QApplication::topLevelWidgets())
         if (window != this && window->isVisible())
@@ -370,11 +405,11 @@ void panel::mnu_createDB_Click() {
 
 void panel::listGlobalOnly() {
     widgets_.cmb_wrkSp->clear();
-    widgets_.cmb_wrkSp->addItem(QLatin1StringView(globalWorkspace));
+    widgets_.cmb_wrkSp->addItem(fromBytes(globalWorkspace));
 }
 
 void panel::fillWorkspaceList() {
-    components_.steps.popolaComboWorkspace();
+    components_.workspaces.workspaces().popolaComboWorkspace();
     components_.steps.lastEventInDb();
     components_.steps.moveSaveMapsAside();
 }

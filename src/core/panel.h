@@ -48,6 +48,8 @@ class panel : public QMainWindow {
     void connectMenu();
     void connectGrid();
     void connectMap();
+    void connectWorkspaces();
+    void connectChart();
 
     // Parts of Form_Load.
     void showAtStoredSize();

@@ -4,8 +4,12 @@
 #include "core/error_report.h"
 #include "core/hosts.h"
 #include "core/number_locale.h"
+#include "core/panel_alerts.h"
+#include "core/panel_manage.h"
 #include "core/panel_map.h"
+#include "core/panel_setup.h"
 #include "core/panel_steps.h"
+#include "core/panel_workspaces.h"
 #include "core/ports.h"
 #include "core/session.h"
 #include "core/settings.h"
@@ -25,6 +29,7 @@
 #include "ingest/seiscomp_source.h"
 #include "ingest/start_services.h"
 #include "ingest/usgs_source.h"
+#include "views/event_history_chart.h"
 #include "views/events_grid.h"
 
 #include <functional>
@@ -42,6 +47,7 @@ struct PanelEnvironment {
     std::string applicationPath; // folder of the executable, no "/" at its end
     NumberLocale locale;
     BrowserMaker& browsers;
+    Sound& sound;
     FileTransfer* transfer = nullptr; // null: the real network
 };
 
@@ -74,6 +80,11 @@ struct PanelComponents {
     CatalogueUpgrade upgrade;
     CatalogueFile catalogue;
     EventsGrid grid;
+    EventHistoryChart chart;
+    PanelWorkspaces workspaces;
+    PanelAlerts alerts;
+    PanelManage manage;
+    PanelSetup setup;
     InternetProbe probe;
     HttpFileTransfer network;
     PanelDownload download;

@@ -79,7 +79,15 @@ void PanelMap::FillGridEvents(std::string_view filter, std::string_view fallback
 }
 
 void PanelMap::pictureMagnitudeEvents() {
-    components_.steps.pictureMagnitudeEvents();
+    components_.chart.pictureMagnitudeEvents();
+}
+
+bool PanelMap::searchWantsPlace() {
+    return components_.workspaces.searchWantsPlace();
+}
+
+void PanelMap::setSearchPlace(std::string_view latitude, std::string_view longitude) {
+    components_.workspaces.setSearchPlace(latitude, longitude);
 }
 
 void PanelMap::selectEventOfMap(std::string_view utc) {

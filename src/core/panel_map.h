@@ -51,6 +51,7 @@ class PanelMap : public BridgeSurroundings,
     // is not waited for: it tells when it is ready.
     void readView();
 
+    WebBrowser& mainBrowser() { return *WebBrowser1_; }
     JSMaps& pages() { return pages_; }
     PageBridge& bridge() { return bridge_; }
     EventMarkers& markers() { return markers_; }
@@ -61,7 +62,9 @@ class PanelMap : public BridgeSurroundings,
     void FillGridEvents(std::string_view filter, std::string_view fallbackFilter,
                         std::string_view order) override;
     void eventsInMap(std::string_view sql) override { markers_.eventsInMap(sql); }
-    void eventsInwebBrowserWorkspace(std::string_view) override {} // the snapshots' map has none
+    void eventsInwebBrowserWorkspace(std::string_view sql) override {
+        markers_.eventsInMapWRKS(*wbrSaveMaps_, sql);
+    }
     void visualizeEventsinRectangle(std::string_view utcFilter) override {
         markers_.visualizeEventsinRectangle(utcFilter);
     }
@@ -71,8 +74,8 @@ class PanelMap : public BridgeSurroundings,
     void showMouseCoordinates(std::string_view text) override;
     void showScale(std::string_view label) override;
     void showSavedLegend() override;
-    bool searchWantsPlace() override { return false; } // there is no search window
-    void setSearchPlace(std::string_view, std::string_view) override {}
+    bool searchWantsPlace() override;
+    void setSearchPlace(std::string_view latitude, std::string_view longitude) override;
     std::int64_t gridRowCount() const override;
     std::string gridCell(std::int64_t row, int column) const override;
     void setGridRowsGrey(const std::vector<std::int64_t>& rows) override;

@@ -113,10 +113,56 @@ void PanelSteps::exportLast24HoursCSV() {
     components_.csvExport.exportLast24HoursCSV();
 }
 
-// The views follow each poll. Nobody counts new events, so there are none to report.
 bool PanelSteps::thereIsNewEv() {
-    components_.refresh.query2Controls();
-    return false;
+    return components_.alerts.newEvents().thereIsNewEv();
+}
+
+void PanelSteps::positioningWbrLast() {
+    components_.alerts.newEvents().positioningWbrLast();
+}
+
+void PanelSteps::lastEventInDb() {
+    components_.alerts.newEvents().lastEventInDb();
+}
+
+void PanelSteps::generateMsgEmail() {
+    components_.alerts.email().generateMsgEmail();
+}
+
+void PanelSteps::generateMsgPagerlink() {
+    components_.alerts.pagerlink().generateMsgPagerlink();
+}
+
+void PanelSteps::generateMsgTelegram() {
+    components_.alerts.telegram().generateMsgTelegram();
+}
+
+bool PanelSteps::telegramTokenValid() {
+    return components_.alerts.telegram().telegramTokenValid();
+}
+
+std::int32_t PanelSteps::checkIdTelegram() {
+    std::int32_t added = 0;
+    bool changed = false;
+    components_.alerts.telegram().checkIdTelegram(added, changed);
+    return added;
+}
+
+void PanelSteps::saveAllWorkspace() {
+    components_.workspaces.windows().saveAllWorkspace();
+}
+
+// Only a start asks for the list here; it fills the views by itself afterwards.
+void PanelSteps::popolaComboWorkspace() {
+    components_.workspaces.workspaces().popolaComboWorkspaceAtStart();
+}
+
+void PanelSteps::pictureMagnitudeEvents() {
+    components_.chart.pictureMagnitudeEvents();
+}
+
+void PanelSteps::repaintChart() {
+    widgets_.PicEvHist->repaintChart();
 }
 
 // The report itself is of the selected event, not of the newest one: only its list is shown.

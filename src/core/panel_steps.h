@@ -53,9 +53,9 @@ class PanelControlStates : public PanelControls {
     QMainWindow& window_;
 };
 
-// The outward steps of the subsystems that the program does not have: snapshots, the ISIDE source,
-// workspaces, the chart, notifications. They do nothing, which is what each of them
-// does when it is switched off or finds no page.
+// The outward steps of the subsystems that the program does not have: snapshots and the ISIDE
+// source. They do nothing, which is what each of them does when it is switched off or finds no
+// page.
 class AbsentSubsystems : public TickSteps,
                          public ServiceSteps,
                          public QueryToControlsSteps,
@@ -64,25 +64,10 @@ class AbsentSubsystems : public TickSteps,
     // Snapshots.
     void mapsInJPGLastEvent() override {}
     void mapsInJPGWorkspace() override {}
-    void saveAllWorkspace() override {}
     virtual void TimerCheckScreenshot_Timer() {}
 
     // Sources.
     void downloadCsvFromIside() override {}
-
-    // The chart and the newest event.
-    void pictureMagnitudeEvents() override {}
-    void repaintChart() override {}
-    void positioningWbrLast() override {}
-    void lastEventInDb() override {}
-
-    // Workspaces and notifications.
-    void popolaComboWorkspace() override {}
-    void generateMsgEmail() override {}
-    void generateMsgPagerlink() override {}
-    void generateMsgTelegram() override {}
-    bool telegramTokenValid() override { return true; }
-    std::int32_t checkIdTelegram() override { return 0; }
 };
 
 // The geometry of the earth for the nearby towns.
@@ -132,7 +117,19 @@ class PanelSteps : public AbsentSubsystems {
     void ListFolder(std::string_view localSourcePath) override;
     void exportLast24HoursCSV() override;
     bool thereIsNewEv() override;
+    void positioningWbrLast() override;
+    void lastEventInDb() override;
+    void generateMsgEmail() override;
+    void generateMsgPagerlink() override;
+    void generateMsgTelegram() override;
+    bool telegramTokenValid() override;
+    std::int32_t checkIdTelegram() override;
     void eventOnPOI(const SelectedEvent& event) override;
+
+    void saveAllWorkspace() override;
+    void popolaComboWorkspace() override;
+    void pictureMagnitudeEvents() override;
+    void repaintChart() override;
 
     bool openDB() override;
     void EnableDisableWebBrowser(bool on) override;

@@ -137,6 +137,8 @@ void PanelWidgets::makeWorkspaceCommands() {
     cmb_wrkSp = named(new QComboBox(workspaceCommands_), "cmb_wrkSp");
     cmb_wrkSp->setAccessibleName(QStringLiteral("Workspace shown"));
     cmb_wrkSp->addItem(QStringLiteral("Global"));
+    // A long name does not push the buttons aside.
+    cmb_wrkSp->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     QHBoxLayout* row = rowLayout(workspaceCommands_);
     row->addWidget(cmb_wrkSp, 1);
     const auto button = [&](const char* objectName, const QString& caption) {
@@ -172,10 +174,7 @@ void PanelWidgets::makeWorkspaceChecks() {
 void PanelWidgets::makeChart() {
     Frame2 = frame(centre_, "Frame2", QStringLiteral("Event History"));
     Frame2->setMouseTracking(true); // the pointer changes over the splitter with no button down
-    PicEvHist = surface(Frame2, "PicEvHist", QStringLiteral("Magnitudes over time"));
-    // What happens over the chart is no matter of the splitter.
-    PicEvHist->setAttribute(Qt::WA_NoMousePropagation);
-    PicEvHist->setCursor(Qt::ArrowCursor);
+    PicEvHist = new EventHistoryChartView(Frame2);
 }
 
 void PanelWidgets::makeHiddenControls() {

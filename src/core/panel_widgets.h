@@ -3,6 +3,7 @@
 #include "core/log_list.h"
 #include "core/panel_layout.h"
 #include "map/scale_bar.h"
+#include "views/event_history_chart_view.h"
 #include "views/events_grid_view.h"
 
 class QCheckBox;
@@ -54,7 +55,7 @@ class PanelWidgets {
     QFrame* WebBrowser1 = nullptr;
 
     QGroupBox* Frame2 = nullptr;
-    QFrame* PicEvHist = nullptr;
+    EventHistoryChartView* PicEvHist = nullptr;
 
     // Never seen: page areas off screen, lists of the local source, the command of the page.
     QFrame* wbrSaveMaps = nullptr;

@@ -90,6 +90,13 @@ class RecordingBrowsers : public BrowserMaker {
     std::map<std::string, RecordingWebBrowser*> made;
 };
 
+// Writes down what would be heard.
+class RecordingSound : public Sound {
+  public:
+    void play(std::string_view path) override { played.emplace_back(path); }
+    std::vector<std::string> played;
+};
+
 // A main window in a folder of its own, with a clock that jumps and a scripted operator.
 class PanelHarness {
   public:
@@ -143,7 +150,7 @@ class PanelHarness {
     panel& make() {
         window_ = std::make_unique<panel>(PanelEnvironment{session, prompts, clock, errors, hosts,
                                                            folder.path(), NumberLocale::point(),
-                                                           browsers, &transfer});
+                                                           browsers, sound, &transfer});
         QObject::connect(window_.get(), &panel::unloaded, window_.get(), [this] { ++unloads; });
         return *window_;
     }
@@ -175,6 +182,7 @@ class PanelHarness {
     Hosts hosts;
     DocumentTransfer transfer;
     RecordingBrowsers browsers;
+    RecordingSound sound;
     std::function<void()> meanwhile; // at every pump
     int unloads = 0;
 
