@@ -40,7 +40,9 @@ PanelManage::PanelManage(PanelWidgets& widgets, PanelComponents& components)
           components.environment.session, components.database, components.environment.prompts,
           components.environment.clock, components.environment.errors, *this,
           [folder = components.environment.applicationPath] { return GetTmpFolder(folder); },
-          components.environment.hosts.GeoNames) {}
+          components.environment.hosts.GeoNames),
+      pointsOfInterest_(components.database, components.environment.prompts,
+                        components.environment.errors) {}
 
 void PanelManage::mnu_ManageDB_Click() {
     showOrRaise(manageDb_, [this] {
@@ -51,6 +53,11 @@ void PanelManage::mnu_ManageDB_Click() {
 
 void PanelManage::showGeoNames(QWidget* owner) {
     showOrRaise(geoNamesWindow_, [&] { return new frmDownload(geoNames_, owner); });
+}
+
+void PanelManage::showPointsOfInterest(QWidget* owner) {
+    showOrRaise(pointsOfInterestWindow_,
+                [&] { return new FrmManagePoI(pointsOfInterest_, owner); });
 }
 
 bool PanelManage::IsInternetUp() {

@@ -4,8 +4,10 @@
 #include "manage/database_manager.h"
 #include "manage/frm_download.h"
 #include "manage/frm_manage_db.h"
+#include "manage/frm_manage_poi.h"
 #include "manage/frm_new_edit_event.h"
 #include "manage/geonames_import.h"
+#include "manage/poi_manager.h"
 
 #include <QtCore/QPointer>
 
@@ -25,6 +27,7 @@ class PanelManage : private GeoNamesNetwork {
 
     void mnu_ManageDB_Click();
     void showGeoNames(QWidget* owner);
+    void showPointsOfInterest(QWidget* owner);
 
   private:
     // GeoNamesNetwork
@@ -40,7 +43,9 @@ class PanelManage : private GeoNamesNetwork {
     GeoNamesImport geoNames_;
     ClsDownloader* download_ = nullptr; // the one that runs
     QPointer<FrmManageDB> manageDb_;
+    PoiManager pointsOfInterest_;
     QPointer<frmDownload> geoNamesWindow_;
+    QPointer<FrmManagePoI> pointsOfInterestWindow_;
 };
 
 } // namespace tremor

@@ -42,6 +42,8 @@ void PanelSetup::connectForm() {
     opens(&FrmSetup::telegramSettings, [this, &alerts] { alerts.showTelegramSettings(window_); });
     opens(&FrmSetup::pagerlinkSettings, [this, &alerts] { alerts.showPagerlinkSettings(window_); });
     opens(&FrmSetup::emailSettings, [this, &alerts] { alerts.showEmailSettings(window_); });
+    opens(&FrmSetup::pointsOfInterest,
+          [this] { components_.manage.showPointsOfInterest(window_); });
     opens(&FrmSetup::geoNames, [this] { components_.manage.showGeoNames(window_); });
 }
 

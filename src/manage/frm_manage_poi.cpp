@@ -22,6 +22,7 @@ namespace {
 
 constexpr int nameColumn = poiName;
 constexpr int lastColumn = poiColumnCount - 1;
+constexpr int longestMessage = 160; // SQLite's may quote all of a long search
 
 template <class Widget>
 Widget* named(const char* objectName, const QString& caption) {
@@ -74,6 +75,7 @@ FrmManagePoI::FrmManagePoI(PoiManager& manager, QWidget* owner)
 }
 
 FrmManagePoI::~FrmManagePoI() {
+    fxGrid->dropOpenEdit(); // the focus that its end takes away would keep the text
     manager_.clear();
 }
 
@@ -130,6 +132,7 @@ QWidget* FrmManagePoI::makeButtons() {
     lblRows = named<QLabel>("lblRows", QString());
     lblRows->setTextFormat(Qt::PlainText);
     lblRows->setWordWrap(true);
+    lblRows->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // also for long words
     lines->addWidget(lblRows);
     auto* buttons = new QHBoxLayout;
     const auto add = [&](const char* objectName, const QString& caption) {
@@ -188,9 +191,9 @@ void FrmManagePoI::showTotal() {
     cmd_delPOI->setEnabled(hasRows);
     const auto shown = static_cast<std::size_t>(model_->rowCount());
     if (!manager_.failure().empty())
-        lblRows->setText(fromBytes(manager_.failure()).simplified());
+        lblRows->setText(fromBytes(manager_.failure()).simplified().left(longestMessage));
     else if (shown < manager_.total())
-        lblRows->setText(tr("The first %L1 of %L2 points; search for the others")
+        lblRows->setText(tr("%L1 of %L2 points on show; search for the others")
                              .arg(shown)
                              .arg(manager_.total()));
     else

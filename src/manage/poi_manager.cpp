@@ -13,6 +13,7 @@ namespace tremor {
 namespace {
 
 constexpr std::string_view module = "Form - frmManagePoI";
+constexpr std::string_view doubleApostrophe = "An apostrophe must be typed twice.";
 
 template <class Number>
 Number number(std::string_view text) {
@@ -47,6 +48,8 @@ void PoiManager::searchPOI(std::string_view text) {
     }
     search_ = text;
     read(fmt::format(" where Name like '%{}%'", text), "");
+    if (!failure_.empty() && !pastedTextValue(text))
+        failure_.append("\r\n").append(doubleApostrophe);
 }
 
 void PoiManager::read(std::string_view condition, std::string_view limit) {
@@ -75,8 +78,9 @@ void PoiManager::clear() {
 
 std::string_view PoiManager::cell(std::size_t row, PoiColumn column) const {
     const auto edited = edited_.find(row);
-    return edited != edited_.end() ? std::string_view(edited->second.at(column))
-                                   : rows_.cell(row, column);
+    if (edited == edited_.end() || column >= poiColumnCount)
+        return rows_.cell(row, column);
+    return edited->second.at(column);
 }
 
 PoiManager::Row PoiManager::copyOf(std::size_t row) const {
@@ -102,7 +106,7 @@ bool PoiManager::StopEditing(std::size_t row, PoiColumn column, std::string_view
 bool PoiManager::write(const Row& row) {
     if (!std::ranges::all_of(
             row, [](const std::string& text) { return pastedTextValue(text).has_value(); })) {
-        failure_ = "The point was not saved:\r\nAn apostrophe must be typed twice.";
+        failure_ = fmt::format("The point was not saved:\r\n{}", doubleApostrophe);
         return false;
     }
     const int code = catalogue_.slsExe(fmt::format(

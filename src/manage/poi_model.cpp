@@ -10,6 +10,11 @@
 #include <limits>
 
 namespace tremor {
+namespace {
+
+constexpr int rowidAlignment = Qt::AlignRight | Qt::AlignVCenter;
+
+} // namespace
 
 int PoiModel::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : rows_;
@@ -33,11 +38,13 @@ QVariant PoiModel::data(const QModelIndex& index, int role) const {
     if (role == Qt::BackgroundRole)
         return QGuiApplication::palette().brush(QPalette::Active, QPalette::Button);
     if (role == Qt::TextAlignmentRole)
-        return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
+        return rowidAlignment;
     return {};
 }
 
 QVariant PoiModel::headerData(int section, Qt::Orientation orientation, int role) const {
+    if (role == Qt::TextAlignmentRole && section == static_cast<int>(poiRowid))
+        return rowidAlignment;
     static constexpr std::array<const char*, poiColumnCount> names = {"rowid", "Name", "Latitude",
                                                                       "Longitude", "Zone"};
     if (role != Qt::DisplayRole || orientation != Qt::Horizontal || section < 0 ||
