@@ -1,5 +1,6 @@
 #include "alerts/frm_settings_pagerlink.h"
 
+#include "alerts/outcome_label.h"
 #include "core/conversions.h"
 #include "core/qt_text.h"
 
@@ -129,6 +130,7 @@ QGroupBox* frmSettingsPagerlink::makeServerFrame() {
     labelResult = new QLabel;
     labelResult->setObjectName(QStringLiteral("labelResult"));
     labelResult->setTextFormat(Qt::PlainText);
+    labelResult->setMargin(4);
     QFont bold = labelResult->font();
     bold.setBold(true);
     labelResult->setFont(bold);
@@ -139,7 +141,8 @@ QGroupBox* frmSettingsPagerlink::makeServerFrame() {
     auto* test = new QHBoxLayout;
     test->setSpacing(12);
     test->addWidget(cmdCheckIfWork);
-    test->addWidget(labelResult, 1);
+    test->addWidget(labelResult);
+    test->addStretch(1);
     layout->addRow(QString(), test);
     return frame;
 }
@@ -231,23 +234,16 @@ void frmSettingsPagerlink::cmdCheckIfWork_Click() {
     if (portGiven) {
         setWaiting(true);
         check = server->checkIfWork([this](std::int32_t turn) {
-            showResult(tr("Wait...") + QString::number(turn), palette().windowText().color());
+            showTestProgress(*labelResult, tr("Wait...") + QString::number(turn));
         });
         if (alive.isNull())
             return;
         setWaiting(false);
     }
     if (check == PagerlinkSettings::Check::Works)
-        showResult(tr("OK"), green);
+        showOutcome(*labelResult, tr("OK"), green);
     else
-        showResult(tr("NO"), red);
-}
-
-void frmSettingsPagerlink::showResult(const QString& text, const QColor& colour) {
-    QPalette colours = labelResult->palette();
-    colours.setColor(QPalette::WindowText, colour);
-    labelResult->setPalette(colours);
-    labelResult->setText(text);
+        showOutcome(*labelResult, tr("NO"), red);
 }
 
 void frmSettingsPagerlink::setWaiting(bool waiting) {

@@ -68,7 +68,6 @@ class frmSettingsPagerlink : public QWidget {
     void optBroadcast_Click();
     void CmdOk_Click();
     void setWaiting(bool waiting);
-    void showResult(const QString& text, const QColor& colour);
 
     PagerlinkWindowContext context_;
     std::shared_ptr<PagerlinkSettings> server_; // held by each wait as well

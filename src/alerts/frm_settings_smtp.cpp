@@ -107,6 +107,7 @@ QWidget* frmSettingsSMTP::magnitudeFrame() {
     cmbMagnitude->setObjectName(QStringLiteral("cmbMagnitude"));
     for (int magnitude = 0; magnitude <= highestMagnitude; ++magnitude)
         cmbMagnitude->addItem(QString::number(magnitude), magnitude);
+    cmbMagnitude->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     rows->addRow(tr("Send E-mail if Eartquake is over "), cmbMagnitude);
     return Frame3;
 }

@@ -1,5 +1,6 @@
 #include "alerts/frm_settings_telegram.h"
 
+#include "alerts/outcome_label.h"
 #include "alerts/telegram_bot.h"
 #include "core/qt_text.h"
 
@@ -48,16 +49,6 @@ class ElidedLabel : public QLabel {
             fontMetrics().elidedText(text(), Qt::ElideRight, place.width()), foregroundRole());
     }
 };
-
-// The outcome of a test stands on a dark ground, where pure green and pure red can both be read.
-void showOutcome(QLabel& label, const QString& text, const QColor& colour) {
-    QPalette palette = label.palette();
-    palette.setColor(QPalette::WindowText, colour);
-    palette.setColor(QPalette::Window, QColor(0x20, 0x20, 0x20));
-    label.setPalette(palette);
-    label.setAutoFillBackground(true);
-    label.setText(text);
-}
 
 } // namespace
 
@@ -164,9 +155,7 @@ void FrmSettingsTelegram::cmdTest_Click() {
     cmdTest->setEnabled(false);
     lblInfoName->clear();
     lblNameBot->clear();
-    lblTestToken->setPalette(palette());
-    lblTestToken->setAutoFillBackground(false);
-    lblTestToken->setText(tr("Testing…"));
+    showTestProgress(*lblTestToken, tr("Testing…"));
     std::string botName;
     const bool works = bot_.testToken(toBytes(txtToken->text()), botName) == 0;
     if (alive.isNull())

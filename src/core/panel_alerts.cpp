@@ -17,8 +17,9 @@ namespace tremor {
 namespace {
 
 // A message of some hundred bytes or a picture of some hundred kilobytes: who needs longer is as
-// good as dead, and the next poll is waiting.
-constexpr int totalSeconds = 60;
+// good as dead, and the next poll is waiting. An event takes three requests for a first follower,
+// and the users who wrote to the bot are asked for meanwhile.
+constexpr int totalSeconds = 30;
 
 DownloadLimits alertLimits() {
     DownloadLimits limits;

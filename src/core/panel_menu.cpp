@@ -37,7 +37,7 @@ constexpr std::array items{
     Item{"&File", "&Import CSV...", "mnu_ImportCSV", "", Kind::Ready},
     Item{"&File", "Import from SeisCom&p 2.6", "mnu_imp_seiscomp2_6", "", Kind::Ready},
     Item{"&File", "", "m2", "", Kind::Separator},
-    Item{"&File", "Set&up", "Setup", "", Kind::Ready},
+    Item{"&File", "Set&up", "Setup", "", Kind::Command},
     Item{"&File", "&Manage DataBase", "mnu_ManageDB", "", Kind::Ready},
     Item{"&File", "E&xit", "mnu_Exit", "", Kind::Command},
     Item{"", "&Search...", "mnuSearch", "", Kind::Ready},

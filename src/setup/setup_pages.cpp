@@ -259,7 +259,10 @@ QWidget* makeAlertPage(SetupControls& c) {
         c.TxtMagLevSound[index] = named<QLineEdit>(name("TxtMagLevSound").c_str());
         c.cmdBrowseSound[index] = browseButton(name("cmdBrowseSound").c_str(), "Choose the sound");
         c.CmdTest[index] = named<QPushButton>(name("CmdTest").c_str(), tr("Play file WAV"));
-        addField(grid, level + 1, 0, "Level", c.TxtMagLev[index]);
+        auto* caption = new QLabel(tr("Level %1").arg(level + 1));
+        caption->setBuddy(c.TxtMagLev[index]);
+        grid->addWidget(caption, level + 1, 0);
+        grid->addWidget(c.TxtMagLev[index], level + 1, 1);
         grid->addWidget(c.TxtMagLevSound[index], level + 1, 3);
         grid->addWidget(c.cmdBrowseSound[index], level + 1, 4);
         grid->addWidget(c.CmdTest[index], level + 1, 5);

@@ -262,6 +262,9 @@ TEST_F(FrmSettingsPagerlinkTest, ChecksWhatStandsInTheBoxes) {
     the<QPushButton>("cmdCheckIfWork")->click();
     EXPECT_EQ(socket->sent, (std::vector<ScriptedSocket::Sent>{{"10.0.0.7", 7001, "list"}}));
     EXPECT_EQ(the<QLabel>("labelResult")->text(), QStringLiteral("OK"));
+    // Pure green cannot be read on a light ground.
+    EXPECT_TRUE(the<QLabel>("labelResult")->autoFillBackground());
+    EXPECT_LT(the<QLabel>("labelResult")->palette().color(QPalette::Window).lightness(), 64);
     EXPECT_EQ(resultColour(), QColor(0, 255, 0));
     EXPECT_EQ(settings.PGLserver, "pager.lan") << "a check stores nothing";
 }

@@ -104,10 +104,10 @@ TEST(PanelMenu, OffersAtFirstOnlyWhatNeedsNoCatalogue) {
     QMenuBar bar;
     const PanelMenu menu(bar);
     for (const char* name : {"mnu_Open_Database", "mnu_createDB", "mnuCollect",
-                             "mnu_startallservices", "mnu_Exit", "mnu_About"})
+                             "mnu_startallservices", "Setup", "mnu_Exit", "mnu_About"})
         EXPECT_TRUE(menu.item(name).isEnabled()) << name;
     for (const char* name :
-         {"mnu_exportDatabaseCSV", "mnu_ImportCSV", "mnu_imp_seiscomp2_6", "Setup", "mnu_ManageDB",
+         {"mnu_exportDatabaseCSV", "mnu_ImportCSV", "mnu_imp_seiscomp2_6", "mnu_ManageDB",
           "mnuSearch", "mnuSearchWRK", "mnuJump2WRK", "mnuDeleteWRK", "mnu_wrkspaces",
           "mnuUpdateWRKwithEvents", "mnuShowFaults", "mnuShowStations"})
         EXPECT_FALSE(menu.item(name).isEnabled()) << name;

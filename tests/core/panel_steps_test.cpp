@@ -112,7 +112,7 @@ TEST(PanelSteps, MovesTheSnapshotPageUpByTheHeightAndAsideByTheWidth) {
     EXPECT_EQ(page.x(), -2000);
 }
 
-TEST(PanelSteps, RefreshesTheViewsAfterAPollAndReportsNothingNew) {
+TEST(PanelSteps, RefreshesTheViewsAfterAPollAndReportsANewEventOnce) {
     PanelHarness harness;
     panel& window = harness.start(3);
     Database& database = window.components().database;
@@ -120,8 +120,9 @@ TEST(PanelSteps, RefreshesTheViewsAfterAPollAndReportsNothingNew) {
                               "Source) VALUES ('2014-03-07 09:00:00.000', 1, 2, 3, 4, 'X')"),
               0);
     EXPECT_EQ(harness.control<GridEvents>("GridEvents").rowCount(), 4);
-    EXPECT_FALSE(window.components().steps.thereIsNewEv());
+    EXPECT_TRUE(window.components().steps.thereIsNewEv());
     EXPECT_EQ(harness.control<GridEvents>("GridEvents").rowCount(), 5);
+    EXPECT_FALSE(window.components().steps.thereIsNewEv());
 }
 
 } // namespace

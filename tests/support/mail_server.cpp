@@ -76,10 +76,15 @@ void MailServer::start(const std::vector<std::string>& words) {
 MailServer::~MailServer() {
     if (output_ >= 0)
         ::close(output_);
+    end();
+}
+
+void MailServer::end() {
     if (process_ <= 0)
         return;
     ::kill(process_, SIGKILL);
     ::waitpid(process_, nullptr, 0);
+    process_ = -1;
 }
 
 void MailServer::setFaults(const std::string& lines) const {

@@ -30,6 +30,7 @@ class MailServer {
     // Stands still, as an overloaded machine does: connections are made, and nothing is answered.
     void pause() const;
     void resume() const;
+    void end(); // nobody listens any more
 
     int mailCount() const;
     // "from ...", "to ..." for each recipient, "user ...", "tls yes" of a mail; 1 is the first.
