@@ -12,8 +12,17 @@
 #include <QtWidgets/QProgressBar>
 
 #include <algorithm>
+#include <array>
 
 namespace tremor {
+namespace {
+
+// The commands on the workspace shown are there whenever that on all of them is.
+constexpr std::string_view allWorkspaces = "mnu_wrkspaces";
+constexpr std::array<std::string_view, 4> workspaceCommands{"mnuSearchWRK", "mnuJump2WRK",
+                                                            "mnuDeleteWRK", "cmd_JumpWRK"};
+
+} // namespace
 
 void PanelStatus::setStatusText(std::string_view text) {
     widgets_.lbl_log_bkg->setText(fromBytes(text));
@@ -52,6 +61,10 @@ int PanelStatus::progress() const {
 void PanelControlStates::controlliForm(std::int32_t state) {
     const ControlsChange change = controlsChange(state);
     for (const std::string_view name : change.names)
+        setEnabled(name, change.enabled);
+    if (std::ranges::find(change.names, allWorkspaces) == change.names.end())
+        return;
+    for (const std::string_view name : workspaceCommands)
         setEnabled(name, change.enabled);
 }
 

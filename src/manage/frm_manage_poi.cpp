@@ -67,7 +67,7 @@ FrmManagePoI::FrmManagePoI(PoiManager& manager, QWidget* owner)
     all->addWidget(makeSearch());
     all->addWidget(makeGrid(), 1);
     all->addWidget(makeButtons());
-    resize(640, 520);
+    resize(720, 520);
 
     connectControls();
     searchPOI();
@@ -119,8 +119,8 @@ void FrmManagePoI::dimensionamentoGrid() {
     };
     fxGrid->horizontalHeader()->setSectionResizeMode(nameColumn, QHeaderView::Stretch);
     wide(poiRowid, "00000000");
-    wide(poiLatitude, "-00.000000");
-    wide(poiLongitude, "-000.000000");
+    wide(poiLatitude, "00.0000000000000"); // the longest that GeoNames sends
+    wide(poiLongitude, "00.00000000000000");
     wide(poiZone, "Zone 00");
 }
 

@@ -32,6 +32,7 @@ void QueryToControls::showLatestHours(ProcedureTrace& trace) {
     const std::string events = std::string(selectEvents) + range;
     steps_.eventsInMap(events);
     steps_.clickEventi();
+    steps_.pictureMagnitudeEvents();
     steps_.pin2gif(events + " order by UTC desc limit 1");
 }
 

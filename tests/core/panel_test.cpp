@@ -12,10 +12,12 @@
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QListWidget>
+#include <QtWidgets/QPushButton>
 #include <QtWidgets/QScrollBar>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 namespace tremor::testing {
@@ -58,6 +60,13 @@ bool aboutIsOpen() {
 
 // Start.
 
+int commandsOnAWorkspace(PanelHarness& harness) {
+    int enabled = harness.control<QPushButton>("cmd_JumpWRK").isEnabled() ? 1 : 0;
+    for (const char* name : {"mnuSearchWRK", "mnuJump2WRK", "mnuDeleteWRK"})
+        enabled += harness.control<QAction>(name).isEnabled() ? 1 : 0;
+    return enabled;
+}
+
 TEST(PanelStart, WithoutACatalogueTellsSoAndGoesOn) {
     PanelHarness harness;
     harness.writeSettings({"StartupLogo=1"});
@@ -79,6 +88,7 @@ TEST(PanelStart, WithoutACatalogueTellsSoAndGoesOn) {
     EXPECT_EQ(log[3], "You must update your Database...");
     EXPECT_EQ(log[6], "to update your Database.");
     EXPECT_FALSE(harness.control<QAction>("mnuSearch").isEnabled());
+    EXPECT_EQ(commandsOnAWorkspace(harness), 0);
     EXPECT_TRUE(harness.control<QTimer>("upRemote").isActive());
 }
 
@@ -90,6 +100,7 @@ TEST(PanelStart, WithACatalogueFillsTheGridAndEnablesTheControls) {
     EXPECT_EQ(harness.control<GridEvents>("GridEvents").rowCount(), 6);
     EXPECT_TRUE(harness.control<QAction>("mnuSearch").isEnabled());
     EXPECT_TRUE(harness.control<QComboBox>("cmb_wrkSp").isEnabled());
+    EXPECT_EQ(commandsOnAWorkspace(harness), 4);
     EXPECT_TRUE(harness.control<QAction>("mnuUpdateWRKwithEvents").isChecked());
 }
 
@@ -524,7 +535,8 @@ TEST(PanelPoll, CollectDataFetchesAtTheNextTickAndTheGridShowsTheEvents) {
     while (harness.transfer.urls.empty() && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     ASSERT_EQ(harness.transfer.urls.size(), 1u);
-    EXPECT_EQ(harness.log().back(), "2 Events imported from INGV");
+    EXPECT_EQ(std::ranges::count(harness.log(), "2 Events imported from INGV"), 1);
+    EXPECT_EQ(harness.log().back(), "Earthquake located in Latitude: 42.8 Longitude: 13.3");
     auto& grid = harness.control<GridEvents>("GridEvents");
     EXPECT_EQ(grid.rowCount(), 3);
     EXPECT_EQ(grid.cell(1, 1), "2014-03-07 08:30:00.200"); // newest first
@@ -599,16 +611,16 @@ TEST(PanelGrid, StandsInItsColumnWithoutScrollingSideways) {
 
 TEST(PanelEnd, RunsItsStepsOnce) {
     PanelHarness harness;
-    panel& window = harness.start(0);
+    panel& window = harness.start(1);
     click(harness, "mnu_About");
-    window.components().settings.LastEvent = "  2014-03-06 23:59:59.123";
+    window.components().settings.LastEvent = "2014-03-06 23:59:59.123";
     window.close();
     EXPECT_FALSE(harness.control<QTimer>("upRemote").isActive());
     EXPECT_FALSE(harness.control<QTimer>("TimerCheckScreenshot").isActive());
     EXPECT_EQ(harness.session.WaitCounter, 99999);
     EXPECT_TRUE(harness.session.waitsMustEnd());
     EXPECT_FALSE(aboutIsOpen());
-    EXPECT_NE(harness.settingsFile().find("LastEvent=2014/03/06\r\n"), std::string::npos);
+    EXPECT_NE(harness.settingsFile().find("LastEvent=2014/03/07\r\n"), std::string::npos);
     std::filesystem::remove(harness.folder.file("settings.ini"));
     window.close();
     EXPECT_FALSE(std::filesystem::exists(harness.folder.file("settings.ini")));

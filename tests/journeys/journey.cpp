@@ -134,8 +134,8 @@ Journey::Journey(const std::vector<std::string>& settingsLines,
     display_ = desktop({"display", folder_ + "/desktop"});
     display_.erase(display_.find_last_not_of('\n') + 1);
 
-    std::vector<std::string> services{TREMOR_PRACTICE_FEEDS, "--port",  "0", "--data",
-                                      TREMOR_TEST_DATA,      "--every", "0", "--hosts-ini",
+    std::vector<std::string> services{TREMOR_PRACTICE_FEEDS, "--port",      "0", "--data",
+                                      TREMOR_TEST_DATA,      "--every",     "0", "--hosts-ini",
                                       file("hosts.ini"),     "--pagerlink", "0"};
     for (const std::string& locator : locators)
         services.insert(services.end(), {"--" + locator, file(locator)});
@@ -242,6 +242,12 @@ void Journey::type(const std::string& text) {
     desktop({"type", folder_ + "/desktop", text});
 }
 
+void Journey::paste(const std::string& text) {
+    const std::string name = folder_ + "/clipboard.txt";
+    std::ofstream(name, std::ios::binary) << text;
+    desktop({"paste", folder_ + "/desktop", name});
+}
+
 void Journey::click(int x, int y, int button) {
     desktop({"click", folder_ + "/desktop", std::to_string(x), std::to_string(y),
              std::to_string(button)});
@@ -257,7 +263,35 @@ void Journey::movePointer(int x, int y) {
 }
 
 std::string Journey::activityLog() {
-    return desktop({"log", folder_ + "/desktop"});
+    return copied("log");
+}
+
+std::string Journey::copyText() {
+    std::string text = copied("copy");
+    text.pop_back(); // the line end of the tool
+    return text;
+}
+
+// A window that is busy for some seconds copies nothing meanwhile.
+std::string Journey::copied(const std::string& verb) {
+    std::string text;
+    const bool copied = waitUntil(
+        [&] {
+            try {
+                text = desktop({verb, folder_ + "/desktop"});
+                return true;
+            } catch (const std::runtime_error&) {
+                return !programRuns();
+            }
+        },
+        60s);
+    if (!copied || !programRuns()) {
+        std::string failure = "the window gives no text; windows:";
+        for (const std::string& title : windowTitles())
+            failure += " \"" + title + "\"";
+        throw std::runtime_error(failure);
+    }
+    return text;
 }
 
 bool Journey::waitForLog(const std::string& text, int count, std::chrono::seconds limit) {
@@ -350,6 +384,7 @@ std::string Journey::queryOne(const std::string& catalogue, const std::string& s
     sqlite3* raw = nullptr;
     sqlite3_open_v2(file(catalogue).c_str(), &raw, SQLITE_OPEN_READONLY, nullptr);
     const std::unique_ptr<sqlite3, int (*)(sqlite3*)> connection(raw, sqlite3_close);
+    sqlite3_busy_timeout(raw, 5000);
     sqlite3_stmt* statement = nullptr;
     if (sqlite3_prepare_v2(raw, sql.c_str(), -1, &statement, nullptr) != SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(raw));

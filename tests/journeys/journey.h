@@ -66,10 +66,12 @@ class Journey {
     std::vector<std::string> windowTitles();
     void key(const std::string& keys); // "alt+f c"
     void type(const std::string& text);
+    void paste(const std::string& text);
     void click(int x, int y, int button = 1);
     void drag(int x1, int y1, int x2, int y2);
     void movePointer(int x, int y);
     std::string activityLog(); // CR LF and LF as line ends
+    std::string copyText();    // of the box or the cell with the focus, which must not be empty
     // Waits until the log has `count` lines that are this text (or end in it, when it begins with a
     // blank); false after `limit`.
     bool waitForLog(const std::string& text, int count, std::chrono::seconds limit);
@@ -92,6 +94,7 @@ class Journey {
 
   private:
     std::string desktop(const std::vector<std::string>& arguments);
+    std::string copied(const std::string& verb);
 
     std::string folder_;
     std::string servicesUrl_;

@@ -52,18 +52,18 @@ class QueryToControlsTest : public ::testing::Test {
 
 TEST_F(QueryToControlsTest, ShowsTheLatestHoursWithoutAConditionInForce) {
     queryToControls.query2Controls();
-    EXPECT_EQ(
-        steps.calls,
-        (Texts{"removeAll", "FillGridEvents [] [" + lastDay + "] []",
-               "eventsInMap select * from Events where " + lastDay, "eventi.Click",
-               "pin2gif select * from Events where " + lastDay + " order by UTC desc limit 1"}));
+    EXPECT_EQ(steps.calls, (Texts{"removeAll", "FillGridEvents [] [" + lastDay + "] []",
+                                  "eventsInMap select * from Events where " + lastDay,
+                                  "eventi.Click", "pictureMagnitudeEvents",
+                                  "pin2gif select * from Events where " + lastDay +
+                                      " order by UTC desc limit 1"}));
     EXPECT_EQ(settings.searchParQuery, "");
 }
 
 TEST_F(QueryToControlsTest, ShowsTheLatestHoursAlsoWhileTheWorkspaceIsNotUpdating) {
     settings.wrkSpaceUpdating = 0;
     queryToControls.query2Controls();
-    EXPECT_EQ(steps.calls.size(), 5U);
+    EXPECT_EQ(steps.calls.size(), 6U);
 }
 
 TEST_F(QueryToControlsTest, MovesTheTimeRangeOfTheConditionUpToNow) {
