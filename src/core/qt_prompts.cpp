@@ -4,6 +4,7 @@
 #include "core/runtime_error_box.h"
 #include "core/version.h"
 
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QInputDialog>
 #include <QtWidgets/QLabel>
@@ -12,12 +13,18 @@
 namespace tremor {
 namespace {
 
+// The window that the operator works in, so that the keyboard comes back to it.
+QWidget* ownerOf(QWidget* mainWindow) {
+    QWidget* const active = QApplication::activeWindow();
+    return mainWindow != nullptr && active != nullptr ? active : mainWindow;
+}
+
 // A dialog that may die with its parent while it is open: ticks go on behind it and can close
 // windows.
 template <class Dialog>
 class HeldDialog {
   public:
-    explicit HeldDialog(QWidget* parent) : dialog_(new Dialog(parent)) {}
+    explicit HeldDialog(QWidget* parent) : dialog_(new Dialog(ownerOf(parent))) {}
     ~HeldDialog() { delete dialog_.data(); }
     HeldDialog(const HeldDialog&) = delete;
     HeldDialog& operator=(const HeldDialog&) = delete;

@@ -13,8 +13,8 @@ namespace tremor {
 // Object names: messageBox, inputBox, fileDialog, folderDialog, runtimeErrorBox.
 class QtPrompts : public Prompts {
   public:
-    // The window over which all boxes appear; before the first call, and when the window is gone,
-    // they stand alone. A box whose parent dies while it is open counts as cancelled.
+    // The window over which boxes appear unless another one of the program is active; before the
+    // first call, and when the window is gone, they stand alone. A box whose parent dies while it is open counts as cancelled.
     void setParentWindow(QWidget* window) { parent_ = window; }
 
     // Enter presses the first button (OK or Yes). Escape and closing the box answer Cancel, No,

@@ -2,6 +2,7 @@
 #include "support/fakes.h"
 #include "support/window_driver.h"
 
+#include <QtTest/QTest>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QInputDialog>
 #include <QtWidgets/QLabel>
@@ -170,6 +171,22 @@ TEST(ShowMessageBox, StandsOverItsParentWindow) {
     prompts.setParentWindow(&window);
     const WhenModal hand("messageBox", [&](QDialog& dialog) {
         EXPECT_EQ(dialog.parentWidget(), &window);
+        dialog.reject();
+    });
+    prompts.showMessageBox({"text"});
+}
+
+TEST(ShowMessageBox, StandsOverTheWindowInWhichTheOperatorWorks) {
+    QtPrompts prompts;
+    QWidget window;
+    prompts.setParentWindow(&window);
+    QWidget other;
+    for (QWidget* each : {&window, &other})
+        each->show();
+    other.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    const WhenModal hand("messageBox", [&](QDialog& dialog) {
+        EXPECT_EQ(dialog.parentWidget(), &other);
         dialog.reject();
     });
     prompts.showMessageBox({"text"});
