@@ -412,6 +412,18 @@ TEST_F(FrmManagePoITest, ClipsNothing) {
     EXPECT_LE(window->minimumSizeHint().height(), 667);
 }
 
+TEST_F(FrmManagePoITest, HasRoomForTheLongestCoordinates) {
+    open();
+    edit(0, 2, "42.5532699704902");
+    press(Qt::Key_Return);
+    edit(0, 3, "1.48736000061035");
+    press(Qt::Key_Return);
+    ASSERT_EQ(cell(0, 3), "1.48736000061035");
+    for (const int column : {2, 3})
+        EXPECT_GE(grid().columnWidth(column),
+                  grid().sizeHintForIndex(grid().model()->index(0, column)).width());
+}
+
 TEST_F(FrmManagePoITest, KeepsItsSizeUnderALongFailure) {
     open();
     const QSize before = window->size();
