@@ -659,8 +659,8 @@ TEST(PanelKeyboard, HasAnEntryForEachControlInTheOrderOfTheScreen) {
     } while (widget != first);
     EXPECT_EQ(names,
               (std::vector<std::string>{"List1", "lst_prog_log", "GridEvents", "cmb_wrkSp",
-                                        "cmd_SaveArea", "cmd_save_maps", "chk_fault", "chk_Legend",
-                                        "chk_SearchMode", "chk_ShowStations"}));
+                                        "cmd_SaveArea", "cmd_save_maps", "cmd_JumpWRK", "chk_fault",
+                                        "chk_Legend", "chk_SearchMode", "chk_ShowStations"}));
 }
 
 } // namespace

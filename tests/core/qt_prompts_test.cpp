@@ -2,7 +2,7 @@
 #include "support/fakes.h"
 #include "support/window_driver.h"
 
-#include <QtTest/QTest>
+#include <QtCore/QDeadlineTimer>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QInputDialog>
 #include <QtWidgets/QLabel>
@@ -184,7 +184,10 @@ TEST(ShowMessageBox, StandsOverTheWindowInWhichTheOperatorWorks) {
     for (QWidget* each : {&window, &other})
         each->show();
     other.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+    const QDeadlineTimer deadline(5000);
+    while (!other.isActiveWindow() && !deadline.hasExpired())
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+    ASSERT_TRUE(other.isActiveWindow());
     const WhenModal hand("messageBox", [&](QDialog& dialog) {
         EXPECT_EQ(dialog.parentWidget(), &other);
         dialog.reject();
