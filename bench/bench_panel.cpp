@@ -61,9 +61,9 @@ struct Window {
     Window(const std::string& folder, const std::string& host, FileTransfer& transfer) {
         hosts.InternetProbe = host;
         browsers = std::make_unique<QtBrowserMaker>(hosts, folder, clock);
-        form =
-            std::make_unique<panel>(PanelEnvironment{session, prompts, clock, errors, hosts, folder,
-                                                     NumberLocale::point(), *browsers, &transfer});
+        form = std::make_unique<panel>(PanelEnvironment{session, prompts, clock, errors, hosts,
+                                                        folder, NumberLocale::point(), *browsers,
+                                                        silence, &transfer});
     }
     ~Window() {
         form->close();
@@ -71,6 +71,7 @@ struct Window {
     }
 
     NobodyAnswers prompts;
+    Silence silence;
     Session session;
     QtClock clock{session};
     ErrorReport errors{prompts, [] { std::abort(); }, 0, session.TicksHeld};

@@ -52,6 +52,11 @@ class UnseenStatus : public StatusPanel {
     int value_ = 0;
 };
 
+class Silence : public Sound {
+  public:
+    void play(std::string_view) override {}
+};
+
 class LastMessage : public Log {
   public:
     void addLogToList(std::string_view message) override { lastMessage = message; }
