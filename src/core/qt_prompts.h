@@ -14,7 +14,8 @@ namespace tremor {
 class QtPrompts : public Prompts {
   public:
     // The window over which boxes appear unless another one of the program is active; before the
-    // first call, and when the window is gone, they stand alone. A box whose parent dies while it is open counts as cancelled.
+    // first call, and when the window is gone, they stand alone. A box whose parent dies while it
+    // is open counts as cancelled.
     void setParentWindow(QWidget* window) { parent_ = window; }
 
     // Enter presses the first button (OK or Yes). Escape and closing the box answer Cancel, No,

@@ -11,8 +11,8 @@
 // The dump of one country (https://download.geonames.org/export/dump/readme.txt): one place a line,
 // fields separated by tabs, in UTF-8. Up to millions of lines, of which few are towns.
 //
-//     3038816	Xixerella	Xixerella		42.55327	1.48736	P	PPL	AD		04
-//     …
+//     3038816	Xixerella	Xixerella		42.55327	1.48736	P	PPL	AD
+//     04 …
 namespace tremor {
 
 // The fields of a line that count; they point into it.

@@ -1,6 +1,6 @@
 #include "core/qt_text.h"
-#include "support/fakes.h"
 #include "manage/result_model.h"
+#include "support/fakes.h"
 
 #include <gtest/gtest.h>
 
