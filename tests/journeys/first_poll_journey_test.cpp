@@ -44,7 +44,7 @@ TEST(FirstPollJourney, FromAnEmptyFolderToACatalogueThatEqualsTheServedDocument)
 
     // A name with a blank is refused; a good one makes the file.
     journey.key("alt+f c");
-    journey.waitForWindow("TREMORLEDGER");
+    journey.waitForWindow("=TREMORLEDGER");
     journey.type("my catalogue");
     journey.key("Return");
     journey.waitForWindow("Error...");
@@ -53,6 +53,7 @@ TEST(FirstPollJourney, FromAnEmptyFolderToACatalogueThatEqualsTheServedDocument)
     EXPECT_TRUE(journey.waitForLog("Cannot create a Database with special characters.", 1, 10s));
     journey.waitForWindow("TREMORLEDGER 1.");
     journey.key("alt+f c");
+    journey.waitForWindow("=TREMORLEDGER");
     journey.type("practice");
     journey.key("Return");
     journey.waitForWindow(" - Database: practice.sqlite");

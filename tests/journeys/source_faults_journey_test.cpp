@@ -29,7 +29,7 @@ void openWithEmptyCatalogue(Journey& journey) {
     journey.key("Return");
     journey.waitForWindow("TREMORLEDGER 1.");
     journey.key("alt+f c");
-    journey.waitForWindow("TREMORLEDGER");
+    journey.waitForWindow("=TREMORLEDGER");
     journey.type("faults");
     journey.key("Return");
     journey.waitForWindow(" - Database: faults.sqlite");

@@ -33,7 +33,7 @@ void openEmptyCatalogue(Journey& journey) {
     journey.key("Return");
     journey.waitForWindow("TREMORLEDGER 1.");
     journey.key("alt+f c");
-    journey.waitForWindow("TREMORLEDGER");
+    journey.waitForWindow("=TREMORLEDGER");
     journey.type("sources");
     journey.key("Return");
     journey.waitForWindow(" - Database: sources.sqlite");

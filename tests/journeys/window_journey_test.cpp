@@ -36,7 +36,7 @@ class WindowJourney : public ::testing::Test {
         journey_.key("Return");
         journey_.waitForWindow(mainWindow);
         journey_.key("alt+f c");
-        journey_.waitForWindow("TREMORLEDGER");
+        journey_.waitForWindow("=TREMORLEDGER");
         journey_.type("window");
         journey_.key("Return");
         journey_.waitForWindow(" - Database: window.sqlite");
