@@ -50,6 +50,7 @@ class TakingPage : public WebBrowser {
                           std::string_view) override {}
     PageStatus fire(std::string_view, Fire) override { return PageStatus::Done; }
     std::optional<PageSnapshot> snapshot() override { return std::nullopt; }
+    std::optional<Picture> picture() override { return std::nullopt; }
 
     std::size_t bytes = 0;
 };

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include <optional>
 #include <utility>
 
 namespace tremor {
@@ -19,15 +20,6 @@ constexpr std::int32_t waitLimit = 200; // of WaitCounter; only a closing progra
 
 } // namespace
 
-// A row of the catalogue, as text.
-struct EmailNotification::Event {
-    std::string magnitude;
-    std::string utc;
-    std::string latitude;
-    std::string longitude;
-    std::string depth;
-};
-
 EmailNotification::EmailNotification(EmailContext context, MapImageDownload& download,
                                      StaticMapMaker& maps, Mailer& mailer)
     : context_(std::move(context)), download_(download), maps_(maps), mailer_(mailer) {}
@@ -35,25 +27,20 @@ EmailNotification::EmailNotification(EmailContext context, MapImageDownload& dow
 void EmailNotification::generateMsgEmail() {
     if (context_.settings.enableEmail != 1)
         return;
-    Database& database = context_.database;
-    database.slsSel("select Magnitude, UTC, Latitude, Longitude, Depth from Events "
-                    "order by UTC desc limit 1");
-    if (!database.slsGetRow())
+    const std::optional<NewestEvent> event = newestEvent(context_.database);
+    if (!event || ParseDotDouble(event->magnitude, context_.locale) < context_.settings.MagToSend)
         return;
-    const Event event = {database.slsFX(1), database.slsFX(2), database.slsFX(3), database.slsFX(4),
-                         database.slsFX(5)};
-    const std::string body = fmt::format("EVT {}\r\nMAG= {} DEPTH= {}\r\nLOCATION= {} {}\r\n{}",
-                                         event.utc, event.magnitude, event.depth, event.latitude,
-                                         event.longitude, context_.lastTownsReport);
-    if (ParseDotDouble(event.magnitude, context_.locale) < context_.settings.MagToSend)
-        return;
+    // Now, because the towns of another event may be reported during the waits.
+    const std::string body = fmt::format(
+        "EVT {}\r\nMAG= {} DEPTH= {}\r\nLOCATION= {} {}\r\n{}", event->utc, event->magnitude,
+        event->depth, event->latitude, event->longitude, context_.lastTownsReport);
 
     startWaitCounter();
     context_.session.DownloadState = 2;
-    makeMap(event);
+    makeMap(*event);
     if (context_.session.WaitCounter >= waitLimit || context_.session.Closing)
         return;
-    const std::string error = send(event, body);
+    const std::string error = send(*event, body);
     context_.log.addLogToList(error.empty() ? "Mail sent" : error);
     startWaitCounter();
 }
@@ -69,7 +56,7 @@ std::string EmailNotification::mapFile() const {
 }
 
 // Without a picture the file is missing, and the mail's own error tells so.
-void EmailNotification::makeMap(const Event& event) {
+void EmailNotification::makeMap(const NewestEvent& event) {
     try {
         createFolder(context_.applicationPath + "/History");
         if (context_.hosts.StaticMap == "embedded")
@@ -86,7 +73,7 @@ void EmailNotification::makeMap(const Event& event) {
     }
 }
 
-void EmailNotification::drawMap(const Event& event) {
+void EmailNotification::drawMap(const NewestEvent& event) {
     DeleteFileText(mapFile());
     const std::string picture = maps_.drawStaticMap(
         {ParseDotDouble(event.latitude, context_.locale),
@@ -96,7 +83,7 @@ void EmailNotification::drawMap(const Event& event) {
     context_.session.DownloadState = 0;
 }
 
-std::string EmailNotification::send(const Event& event, const std::string& body) {
+std::string EmailNotification::send(const NewestEvent& event, const std::string& body) {
     const AppSettings& settings = context_.settings;
     OutgoingMail mail;
     mail.to = settings.SMTPrecipient;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "alerts/newest_event.h"
 #include "alerts/smtp_mailer.h"
 #include "alerts/static_map.h"
 #include "core/hosts.h"
@@ -11,7 +12,6 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 namespace tremor {
 
@@ -61,12 +61,10 @@ class EmailNotification {
     void generateMsgEmail();
 
   private:
-    struct Event;
-
     std::string mapFile() const;
-    void makeMap(const Event& event);
-    void drawMap(const Event& event);
-    std::string send(const Event& event, const std::string& body);
+    void makeMap(const NewestEvent& event);
+    void drawMap(const NewestEvent& event);
+    std::string send(const NewestEvent& event, const std::string& body);
     void startWaitCounter();
 
     EmailContext context_;

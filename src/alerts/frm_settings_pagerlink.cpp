@@ -2,7 +2,10 @@
 
 #include "alerts/outcome_label.h"
 #include "core/conversions.h"
+#include "core/foot_row.h"
+#include "core/named_widget.h"
 #include "core/qt_text.h"
+#include "core/tick_delegate.h"
 
 #include <QtCore/QPointer>
 #include <QtCore/QTimer>
@@ -15,7 +18,6 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QRadioButton>
-#include <QtWidgets/QStyledItemDelegate>
 #include <QtWidgets/QTableWidget>
 #include <QtWidgets/QVBoxLayout>
 
@@ -31,43 +33,19 @@ constexpr std::string_view module = "Form - frmSettingsPagerlink";
 
 constexpr int nameColumn = 1;
 constexpr int tickColumn = 2;
-constexpr QChar emptyBox = u'q';
-constexpr QChar tickedBox = u'\u00FE';
 
 // By how much the window grows for the grid, and the height from which it may shrink again.
 constexpr std::int32_t gridTwips = 2100;
 constexpr std::int32_t enlargedTwips = 6090;
 
-constexpr QColor red(255, 0, 0);
-constexpr QColor green(0, 255, 0);
-
-// Paints a box where a cell holds one of the two marks.
-class TickDelegate : public QStyledItemDelegate {
-  public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    QString displayText(const QVariant& value, const QLocale&) const override {
-        return value.toString() == tickedBox ? QStringLiteral("\u2611") : QStringLiteral("\u2610");
-    }
-
-  protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-        QStyledItemDelegate::initStyleOption(option, index);
-        option->displayAlignment = Qt::AlignCenter;
-        option->font.setPointSizeF(option->font.pointSizeF() * 1.3);
-    }
-};
-
 QPushButton* makeButton(const char* objectName, const QString& text) {
-    auto* button = new QPushButton(text);
-    button->setObjectName(QLatin1StringView(objectName));
+    auto* button = named<QPushButton>(objectName, text);
     button->setAutoDefault(false);
     return button;
 }
 
 QTableWidget* makeGrid() {
-    auto* grid = new QTableWidget(0, 3);
-    grid->setObjectName(QStringLiteral("gridUsers"));
+    auto* grid = named<QTableWidget>("gridUsers", 0, 3);
     grid->setAccessibleName(frmSettingsPagerlink::tr("Users"));
     grid->setHorizontalHeaderLabels(
         {QString(), frmSettingsPagerlink::tr("Users"), frmSettingsPagerlink::tr("Selected")});
@@ -98,18 +76,14 @@ frmSettingsPagerlink::frmSettingsPagerlink(const PagerlinkWindowContext& context
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(tr("Settings Pagerlink"));
 
-    auto* foot = new QHBoxLayout;
     CmdOk = makeButton("CmdOk", tr("&OK"));
     CmdCancel = makeButton("CmdCancel", tr("&Cancel"));
-    foot->addStretch(1);
-    foot->addWidget(CmdOk);
-    foot->addWidget(CmdCancel);
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(16, 16, 16, 12);
     all->setSpacing(12);
     all->addWidget(makeServerFrame());
     all->addWidget(makeMessageFrame(), 1);
-    all->addLayout(foot);
+    all->addLayout(footRow({CmdOk, CmdCancel}));
     connectControls();
     showSettings();
     resize(400, sizeHint().height());
@@ -120,15 +94,11 @@ frmSettingsPagerlink::~frmSettingsPagerlink() {
 }
 
 QGroupBox* frmSettingsPagerlink::makeServerFrame() {
-    auto* frame = new QGroupBox(tr("Settings Pagerlink Server"));
-    frame->setObjectName(QStringLiteral("Frame1"));
-    txtPglServer = new QLineEdit;
-    txtPglServer->setObjectName(QStringLiteral("txtPglServer"));
-    txtPglPort = new QLineEdit;
-    txtPglPort->setObjectName(QStringLiteral("txtPglPort"));
+    auto* frame = named<QGroupBox>("Frame1", tr("Settings Pagerlink Server"));
+    txtPglServer = named<QLineEdit>("txtPglServer");
+    txtPglPort = named<QLineEdit>("txtPglPort");
     cmdCheckIfWork = makeButton("cmdCheckIfWork", tr("Check &this settings"));
-    labelResult = new QLabel;
-    labelResult->setObjectName(QStringLiteral("labelResult"));
+    labelResult = named<QLabel>("labelResult");
     labelResult->setTextFormat(Qt::PlainText);
     labelResult->setMargin(4);
     QFont bold = labelResult->font();
@@ -148,14 +118,10 @@ QGroupBox* frmSettingsPagerlink::makeServerFrame() {
 }
 
 QGroupBox* frmSettingsPagerlink::makeMessageFrame() {
-    auto* frame = new QGroupBox(tr("Setting the Message will be sent."));
-    frame->setObjectName(QStringLiteral("Frame2"));
-    optBroadcast = new QRadioButton(tr("Send to &all users of Pagerlink."));
-    optBroadcast->setObjectName(QStringLiteral("optBroadcast"));
-    optSelectedUser = new QRadioButton(tr("Send to a se&lection of users."));
-    optSelectedUser->setObjectName(QStringLiteral("optSelectedUser"));
-    cmbMagnitude = new QComboBox;
-    cmbMagnitude->setObjectName(QStringLiteral("cmbMagnitude"));
+    auto* frame = named<QGroupBox>("Frame2", tr("Setting the Message will be sent."));
+    optBroadcast = named<QRadioButton>("optBroadcast", tr("Send to &all users of Pagerlink."));
+    optSelectedUser = named<QRadioButton>("optSelectedUser", tr("Send to a se&lection of users."));
+    cmbMagnitude = named<QComboBox>("cmbMagnitude");
     gridUsers = makeGrid();
 
     auto* magnitude = new QHBoxLayout;
@@ -240,10 +206,8 @@ void frmSettingsPagerlink::cmdCheckIfWork_Click() {
             return;
         setWaiting(false);
     }
-    if (check == PagerlinkSettings::Check::Works)
-        showOutcome(*labelResult, tr("OK"), green);
-    else
-        showOutcome(*labelResult, tr("NO"), red);
+    const bool works = check == PagerlinkSettings::Check::Works;
+    showOutcome(*labelResult, works ? tr("OK") : tr("NO"), works);
 }
 
 void frmSettingsPagerlink::setWaiting(bool waiting) {
@@ -295,7 +259,7 @@ void frmSettingsPagerlink::showUsers() {
 void frmSettingsPagerlink::showTick(int row) {
     const bool ticked = server_->users()[static_cast<std::size_t>(row)].ticked;
     QTableWidgetItem* cell = gridUsers->item(row, tickColumn);
-    cell->setText(ticked ? tickedBox : emptyBox);
+    cell->setText(TickDelegate::mark(ticked));
     cell->setData(Qt::AccessibleTextRole, ticked ? tr("selected") : tr("not selected"));
 }
 

@@ -1,5 +1,7 @@
 #include "alerts/frm_settings_smtp.h"
 
+#include "core/foot_row.h"
+#include "core/named_widget.h"
 #include "core/qt_text.h"
 
 #include <QtGui/QKeyEvent>
@@ -7,7 +9,6 @@
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QGroupBox>
-#include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QVBoxLayout>
@@ -24,21 +25,13 @@ Widget* control(const QWidget& window, const char* name) {
 }
 
 QLineEdit* addTextBox(QFormLayout* rows, const QString& label, const char* name) {
-    auto* box = new QLineEdit;
-    box->setObjectName(QLatin1String(name));
+    auto* box = named<QLineEdit>(name);
     rows->addRow(label, box);
     return box;
 }
 
-QGroupBox* frame(const QString& title, const char* name) {
-    auto* box = new QGroupBox(title);
-    box->setObjectName(QLatin1String(name));
-    return box;
-}
-
 QPushButton* button(const QString& text, const char* name) {
-    auto* made = new QPushButton(text);
-    made->setObjectName(QLatin1String(name));
+    auto* made = named<QPushButton>(name, text);
     made->setAutoDefault(true); // Enter presses it while it has the focus
     return made;
 }
@@ -60,10 +53,6 @@ void frmSettingsSMTP::layOut() {
     auto* CmdCancel = button(tr("&Cancel"), "CmdCancel");
     connect(CmdOk, &QPushButton::clicked, this, &frmSettingsSMTP::CmdOk_Click);
     connect(CmdCancel, &QPushButton::clicked, this, &QWidget::close);
-    auto* foot = new QHBoxLayout;
-    foot->addStretch(1);
-    foot->addWidget(CmdOk);
-    foot->addWidget(CmdCancel);
 
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(16, 16, 16, 12);
@@ -72,27 +61,26 @@ void frmSettingsSMTP::layOut() {
     all->addWidget(headerFrame());
     all->addWidget(magnitudeFrame());
     all->addStretch(1);
-    all->addLayout(foot);
+    all->addLayout(footRow({CmdOk, CmdCancel}));
     resize(460, sizeHint().height());
 }
 
 QWidget* frmSettingsSMTP::serverFrame() {
-    auto* Frame1 = frame(tr("SMTP"), "Frame1");
+    auto* Frame1 = named<QGroupBox>("Frame1", tr("SMTP"));
     auto* rows = new QFormLayout(Frame1);
     addTextBox(rows, tr("&Server"), "txtServer");
     addTextBox(rows, tr("&Username"), "txtUsername");
     addTextBox(rows, tr("&Password"), "txtPassword")->setEchoMode(QLineEdit::Password);
     auto* port = addTextBox(rows, tr("Por&t"), "txtPort");
     port->setMaximumWidth(port->fontMetrics().averageCharWidth() * 16);
-    auto* chkSSL = new QCheckBox(tr("&Req. SSL"));
-    chkSSL->setObjectName(QStringLiteral("chkSSL"));
+    auto* chkSSL = named<QCheckBox>("chkSSL", tr("&Req. SSL"));
     chkSSL->setToolTip(tr("The connection is always encrypted, whatever stands here."));
     rows->addRow(QString(), chkSSL);
     return Frame1;
 }
 
 QWidget* frmSettingsSMTP::headerFrame() {
-    auto* Frame2 = frame(tr("Header  Email"), "Frame2");
+    auto* Frame2 = named<QGroupBox>("Frame2", tr("Header  Email"));
     auto* rows = new QFormLayout(Frame2);
     addTextBox(rows, tr("From &Name"), "txtFromName");
     addTextBox(rows, tr("From &Email"), "txtFromEmail");
@@ -101,10 +89,9 @@ QWidget* frmSettingsSMTP::headerFrame() {
 }
 
 QWidget* frmSettingsSMTP::magnitudeFrame() {
-    auto* Frame3 = frame(tr("E-Mail "), "Frame3");
+    auto* Frame3 = named<QGroupBox>("Frame3", tr("E-Mail "));
     auto* rows = new QFormLayout(Frame3);
-    auto* cmbMagnitude = new QComboBox;
-    cmbMagnitude->setObjectName(QStringLiteral("cmbMagnitude"));
+    auto* cmbMagnitude = named<QComboBox>("cmbMagnitude");
     for (int magnitude = 0; magnitude <= highestMagnitude; ++magnitude)
         cmbMagnitude->addItem(QString::number(magnitude), magnitude);
     cmbMagnitude->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

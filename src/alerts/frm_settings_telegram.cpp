@@ -2,6 +2,8 @@
 
 #include "alerts/outcome_label.h"
 #include "alerts/telegram_bot.h"
+#include "core/foot_row.h"
+#include "core/named_widget.h"
 #include "core/qt_text.h"
 
 #include <QtCore/QPointer>
@@ -17,13 +19,6 @@
 
 namespace tremor {
 namespace {
-
-template <class Widget, class... Arguments>
-Widget* named(const char* objectName, Arguments&&... arguments) {
-    auto* widget = new Widget(std::forward<Arguments>(arguments)...);
-    widget->setObjectName(QLatin1StringView(objectName));
-    return widget;
-}
 
 QLabel* plainLabel(const char* objectName, const QString& text = {}) {
     auto* label = named<QLabel>(objectName, text);
@@ -135,17 +130,13 @@ QLayout* FrmSettingsTelegram::makePoll() {
 }
 
 QLayout* FrmSettingsTelegram::makeButtons() {
-    auto* layout = new QHBoxLayout;
     auto* ok = named<QPushButton>("CmdOk", tr("&OK"));
     ok->setDefault(true);
     connect(ok, &QPushButton::clicked, this, &FrmSettingsTelegram::CmdOk_Click);
     auto* cancel = named<QPushButton>("CmdCancel", tr("&Cancel"));
     cancel->setAutoDefault(false);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    layout->addStretch(1);
-    layout->addWidget(ok);
-    layout->addWidget(cancel);
-    return layout;
+    return footRow({ok, cancel});
 }
 
 // The test lets window messages run, so that the window may be gone behind it.
@@ -167,8 +158,7 @@ void FrmSettingsTelegram::cmdTest_Click() {
 }
 
 void FrmSettingsTelegram::showResult(bool works, const std::string& botName) {
-    showOutcome(*lblTestToken, works ? tr("Ok") : tr("Failed"),
-                works ? QColor(0, 255, 0) : QColor(255, 0, 0));
+    showOutcome(*lblTestToken, works ? tr("Ok") : tr("Failed"), works);
     lblInfoName->setText(works ? tr("Name of BOT\nshare it for add new followers.") : QString());
     const QString name = works ? fromBytes(botName) : QString();
     lblNameBot->setText(name);

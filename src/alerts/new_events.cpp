@@ -1,5 +1,6 @@
 #include "alerts/new_events.h"
 
+#include "alerts/newest_event.h"
 #include "core/common_text.h"
 #include "core/conversions.h"
 
@@ -147,12 +148,9 @@ void NewEvents::positioningWbrLast() {
 std::string NewEvents::lastEventInDb() {
     ProcedureTrace trace(errors_, module, "lastEventInDb");
     std::string utc;
-    database_.slsSel("select Magnitude, UTC, Latitude, Longitude, Depth from Events "
-                     "order by UTC desc limit 1");
-    if (database_.slsGetRow()) {
-        utc = database_.slsFX(2);
-        last_ = {database_.slsFX(1), utc, database_.slsFX(3), database_.slsFX(4),
-                 database_.slsFX(5)};
+    if (const std::optional<NewestEvent> event = newestEvent(database_)) {
+        utc = event->utc;
+        last_ = {event->magnitude, utc, event->latitude, event->longitude, event->depth};
         settings_.LastEvent = utc;
     }
     trace.step(

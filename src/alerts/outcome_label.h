@@ -8,10 +8,11 @@
 // The label beside the button of a test.
 namespace tremor {
 
-// The outcome, in pure green or pure red: on a dark ground, where both can be read.
-inline void showOutcome(QLabel& label, const QString& text, const QColor& colour) {
+// The outcome, in pure green when it is good and pure red when not: on a dark ground, where both
+// can be read.
+inline void showOutcome(QLabel& label, const QString& text, bool good) {
     QPalette palette = label.palette();
-    palette.setColor(QPalette::WindowText, colour);
+    palette.setColor(QPalette::WindowText, good ? QColor(0, 255, 0) : QColor(255, 0, 0));
     palette.setColor(QPalette::Window, QColor(0x20, 0x20, 0x20));
     label.setPalette(palette);
     label.setAutoFillBackground(true);

@@ -1,5 +1,6 @@
 #include "alerts/pagerlink_client.h"
 
+#include "alerts/newest_event.h"
 #include "core/code_pages.h"
 #include "core/common_text.h"
 #include "core/conversions.h"
@@ -22,19 +23,17 @@ constexpr auto pauseBetweenTries = 100ms;
 
 struct Notice {
     std::string_view prefix;
-    int column; // of the query below, from 1
+    std::string NewestEvent::*value;
 };
 
 // In the order in which the server wants them.
 constexpr auto notices = std::to_array<Notice>({
-    {"formNEW EARTQUAKE = ", 2},
-    {"formMAGNITUDE = ", 1},
-    {"formLATITUDE = ", 3},
-    {"formLONGITUDE = ", 4},
-    {"formDEPTH = ", 5},
+    {"formNEW EARTQUAKE = ", &NewestEvent::utc},
+    {"formMAGNITUDE = ", &NewestEvent::magnitude},
+    {"formLATITUDE = ", &NewestEvent::latitude},
+    {"formLONGITUDE = ", &NewestEvent::longitude},
+    {"formDEPTH = ", &NewestEvent::depth},
 });
-constexpr std::string_view newestEvent =
-    "select Magnitude, UTC, Latitude, Longitude, Depth from Events order by UTC desc limit 1";
 
 // Behind it the server reads the name of the user.
 constexpr char nameMark = '\x02';
@@ -96,16 +95,12 @@ void PagerlinkClient::sendNewestEvent() {
     const std::vector<std::string> users = recipients();
     if (users.empty())
         return;
-    Database& database = context_.database;
-    database.slsSel(newestEvent);
-    if (!database.slsGetRow())
+    const std::optional<NewestEvent> event = newestEvent(context_.database);
+    if (!event)
         return;
-    std::array<std::string, notices.size()> values;
-    for (std::size_t i = 0; i < notices.size(); ++i)
-        values[i] = database.slsFX(notices[i].column);
     for (const std::string& user : users) {
-        for (std::size_t i = 0; i < notices.size(); ++i)
-            sendPagerlinkRequest(fmt::format("{}{}{}{}{}", notices[i].prefix, values[i],
+        for (const Notice& notice : notices)
+            sendPagerlinkRequest(fmt::format("{}{}{}{}{}", notice.prefix, (*event).*notice.value,
                                              timeOfDay(context_.clock.now()), nameMark, user));
     }
 }

@@ -5,6 +5,7 @@
 #include "core/curl_transfer.h"
 #include "core/error_report.h"
 #include "core/files.h"
+#include "core/flag_scope.h"
 
 #include <fmt/format.h>
 #include <sys/socket.h>
@@ -227,10 +228,11 @@ class SmtpTransfer {
 
 } // namespace
 
-SmtpMailer::SmtpMailer(Clock& clock, const Session& session, SmtpLimits limits)
+SmtpMailer::SmtpMailer(Clock& clock, Session& session, SmtpLimits limits)
     : clock_(clock), session_(session), limits_(std::move(limits)) {}
 
 std::string SmtpMailer::sendMailCDO(const OutgoingMail& mail, const SmtpAccount& account) {
+    const FlagScope held(session_.TicksHeld);
     try {
         SmtpTransfer transfer(mail, account, limits_);
         for (;;) {

@@ -46,16 +46,17 @@ struct SmtpLimits {
 // The connection is always encrypted: from the first byte on the port of implicit TLS, by STARTTLS
 // on every other one. A server that offers no STARTTLS, or whose certificate does not hold for its
 // name, gets neither password nor mail. Log-in is PLAIN or LOGIN; a server that offers none is used
-// without. The windows stay alive meanwhile; a closing program ends the sending.
+// without. The windows stay alive meanwhile, and ticks are held: a poll inside the sending would
+// use up its time. A closing program ends it.
 class SmtpMailer : public Mailer {
   public:
-    SmtpMailer(Clock& clock, const Session& session, SmtpLimits limits);
+    SmtpMailer(Clock& clock, Session& session, SmtpLimits limits);
 
     std::string sendMailCDO(const OutgoingMail& mail, const SmtpAccount& account) override;
 
   private:
     Clock& clock_;
-    const Session& session_;
+    Session& session_;
     SmtpLimits limits_;
 };
 

@@ -3,11 +3,13 @@
 #include "core/common_text.h"
 #include "core/files.h"
 #include "core/flag_scope.h"
+#include "database/row_writer.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 
@@ -19,8 +21,10 @@ constexpr std::string_view module = "Form - panel";
 constexpr std::int32_t chunkSize = 4096; // bytes
 constexpr int silentFollowersLimit = 3;
 
-bool canBePasted(std::string_view value) {
-    return pastedTextValue(value).has_value();
+// The first lines of a message.
+std::string headOf(const NewestEvent& event) {
+    return fmt::format("EVT {}%0Amag={} loc={} {} d={}%0A", event.utc, event.magnitude,
+                       event.latitude, event.longitude, event.depth);
 }
 
 // The town report in fewer words and with the line feeds of a query.
@@ -45,12 +49,6 @@ std::string failureIn(std::string_view reply) {
 }
 
 } // namespace
-
-struct TelegramBot::NewestEvent {
-    std::string head; // first lines of the message
-    std::string latitude;
-    std::string longitude;
-};
 
 struct TelegramBot::UserInserts {
     std::int32_t tried = 0;
@@ -141,7 +139,7 @@ void TelegramBot::markKnown(std::vector<telegramUser>& users) {
     std::unordered_map<std::string, std::vector<telegramUser*>> byId;
     std::string list = "'";
     for (telegramUser& user : users) {
-        if (!canBePasted(user.id))
+        if (!pastedTextValue(user.id))
             return;
         byId[user.id].push_back(&user);
         list.append(user.id).append("','");
@@ -161,28 +159,24 @@ void TelegramBot::markKnown(std::vector<telegramUser>& users) {
 TelegramBot::UserInserts TelegramBot::insertUnknown(const std::vector<telegramUser>& users) {
     const FlagScope importing(session_.ImportInProgress);
     UserInserts inserts;
-    bool stored = database_.slsExe("BEGIN TRANSACTION;") == 0;
-    const bool begun = stored;
+    Transaction transaction(database_);
+    bool stored = transaction.isOpen();
     for (const telegramUser& user : users) {
         if (stored && !user.known)
             stored = insertUser(user, inserts);
     }
-    stored = stored && database_.slsExe("COMMIT;") == 0;
-    if (stored)
+    if (stored && transaction.commit())
         return inserts;
     const auto unknown = std::count_if(users.begin(), users.end(),
                                        [](const telegramUser& user) { return !user.known; });
-    UserInserts none{0, static_cast<std::int32_t>(unknown), database_.slGetError()};
-    if (begun)
-        database_.slsExe("ROLLBACK;");
-    return none;
+    return {0, static_cast<std::int32_t>(unknown), database_.slGetError()};
 }
 
 // False when the catalogue cannot be written at all.
 bool TelegramBot::insertUser(const telegramUser& user, UserInserts& inserts) {
     ++inserts.tried;
     std::string reason = "a name holds an apostrophe";
-    if (canBePasted(user.id) && canBePasted(user.name)) {
+    if (pastedTextValue(user.id) && pastedTextValue(user.name)) {
         const int error = database_.slsExe(fmt::format(
             "insert INTO TelegramChats(chat_id, Username) Values ('{}','{}')", user.id, user.name));
         switch (error & 0xff) { // extended codes keep the primary one in the low byte
@@ -201,21 +195,6 @@ bool TelegramBot::insertUser(const telegramUser& user, UserInserts& inserts) {
     return true;
 }
 
-TelegramBot::NewestEvent TelegramBot::newestEvent() {
-    NewestEvent event;
-    database_.slsEach("select Magnitude, UTC, Latitude, Longitude, Depth from Events order by UTC "
-                      "desc limit 1",
-                      [&](const CurrentRow& row) {
-                          event.latitude = row.text(3);
-                          event.longitude = row.text(4);
-                          event.head = fmt::format("EVT {}%0Amag={} loc={} {} d={}%0A", row.text(2),
-                                                   row.text(1), event.latitude, event.longitude,
-                                                   row.text(5));
-                          return true;
-                      });
-    return event;
-}
-
 std::vector<std::string> TelegramBot::followers() {
     std::vector<std::string> ids;
     database_.slsEach("select chat_id from TelegramChats", [&](const CurrentRow& row) {
@@ -229,13 +208,14 @@ void TelegramBot::generateMsgTelegram() {
     if (settings_.enableTelegram != 1)
         return;
     ProcedureTrace trace(errors_, module, "generateMsgTelegram");
-    const NewestEvent event = newestEvent();
+    const std::optional<NewestEvent> newest = newestEvent(database_);
+    const NewestEvent event = newest.value_or(NewestEvent{});
     std::int32_t added = 0;
     bool changed = false;
     checkIdTelegram(added, changed);
     std::string report;
     trace.step([&] { towns_.eventOnPOI(event.latitude, event.longitude, report); });
-    sendToAll(event, event.head + rewordedTowns(report));
+    sendToAll(event, (newest ? headOf(event) : std::string()) + rewordedTowns(report));
 }
 
 void TelegramBot::sendToAll(const NewestEvent& event, std::string_view text) {
@@ -285,7 +265,7 @@ std::string TelegramBot::sendMessageTelegram(std::string_view text, std::string_
     std::string reply =
         send(fmt::format("/sendMessage?text={}&chat_id={}", messageText(text), chatId),
              "sendMessageTelegram.log", trace);
-    if (isForbiddenReply(reply) && canBePasted(chatId))
+    if (isForbiddenReply(reply) && pastedTextValue(chatId))
         database_.slsExe(fmt::format("delete from TelegramChats where chat_id = '{}'", chatId));
     return reply;
 }

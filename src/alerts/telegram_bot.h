@@ -1,6 +1,7 @@
 #pragma once
 
 #include "alerts/nearby_towns.h"
+#include "alerts/newest_event.h"
 #include "alerts/telegram_replies.h"
 #include "core/error_report.h"
 #include "core/number_locale.h"
@@ -79,7 +80,6 @@ class TelegramBot {
                                      std::string_view chatId);
 
   private:
-    struct NewestEvent;
     struct UserInserts;
 
     std::string urlOf(std::string_view token, std::string_view request) const;
@@ -90,7 +90,6 @@ class TelegramBot {
     void markKnown(std::vector<telegramUser>& users);
     UserInserts insertUnknown(const std::vector<telegramUser>& users);
     bool insertUser(const telegramUser& user, UserInserts& inserts);
-    NewestEvent newestEvent();
     std::vector<std::string> followers();
     void sendToAll(const NewestEvent& event, std::string_view text);
 

@@ -11,11 +11,23 @@
 #include "map/map_site.h"
 
 #include <QtCore/QDir>
+#include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 
 #include <sys/stat.h>
 
 #include <cstdlib>
+
+namespace {
+
+QIcon programIcon() {
+    QIcon icon;
+    for (const int size : {48, 64, 128, 256})
+        icon.addFile(QStringLiteral(":/icons/%1x%1/apps/tremorledger.png").arg(size));
+    return icon;
+}
+
+} // namespace
 
 int main(int argc, char* argv[]) {
     // Settings, logs and downloads hold passwords and are nobody else's business.
@@ -25,6 +37,10 @@ int main(int argc, char* argv[]) {
     QApplication::setStyle(QStringLiteral("Fusion"));
     // The main window says when it is over; no other window's end ends the program.
     QApplication::setQuitOnLastWindowClosed(false);
+
+    QApplication::setWindowIcon(programIcon());
+    // Some desktops look the icon up by the name of the desktop entry.
+    QApplication::setDesktopFileName(QStringLiteral("tremorledger"));
 
     // A relative path in the settings means beside the program.
     const QString folder = QApplication::applicationDirPath();

@@ -36,8 +36,9 @@ class Descriptor {
         return 0;
     }
 
-    // Closes now; false when the system reports an error that it had kept back until then.
-    bool close() { return ::close(std::exchange(number_, -1)) == 0; }
+    // Closes now; false when the system reports an error that it had kept back until then. An
+    // interrupted call has closed, too (man 2 close).
+    bool close() { return ::close(std::exchange(number_, -1)) == 0 || errno == EINTR; }
 
   private:
     int number_;

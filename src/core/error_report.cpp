@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace tremor {
 
@@ -58,6 +59,8 @@ std::string_view errorDescription(ErrorNumber number) {
         return "Path not found";
     case ErrorNumber::ObjectNotSet:
         return "Object variable or With block variable not set";
+    case ErrorNumber::InvalidPropertyValue:
+        return "Invalid property value";
     case ErrorNumber::UserDefined:
         break;
     }

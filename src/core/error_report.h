@@ -8,7 +8,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
 
 // The call stack, the runtime-error dialog and the guard that stands at the head of every
 // procedure that can fail.
@@ -30,6 +29,7 @@ enum class ErrorNumber : std::int32_t {
     PathFileAccessError = 75,
     PathNotFound = 76,
     ObjectNotSet = 91,
+    InvalidPropertyValue = 380,
     UserDefined = 1000, // raised by the program itself with a text of its own
 };
 

@@ -5,18 +5,19 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <system_error>
-#include <utility>
 
 namespace tremor {
 
@@ -59,6 +60,32 @@ std::string withSlash(std::string path) {
     if (!path.ends_with('/'))
         path += '/';
     return path;
+}
+
+// "PREFIX1234.tmp": the number of the process that wrote it.
+std::optional<pid_t> writerOf(std::string_view name, std::string_view prefix) {
+    constexpr std::string_view end = ".tmp";
+    if (!name.starts_with(prefix) || !name.ends_with(end) ||
+        name.size() < prefix.size() + end.size())
+        return std::nullopt;
+    name.remove_prefix(prefix.size());
+    name.remove_suffix(end.size());
+    pid_t process = 0;
+    const auto [stop, error] = std::from_chars(name.data(), name.data() + name.size(), process);
+    if (error != std::errc() || stop != name.data() + name.size() || process <= 0)
+        return std::nullopt;
+    return process;
+}
+
+// What processes that are gone have left behind: a program that is killed cannot tidy up.
+void removeAbandoned(const std::filesystem::path& folder, std::string_view prefix) {
+    std::error_code ignored;
+    for (auto entry = std::filesystem::directory_iterator(folder, ignored);
+         entry != std::filesystem::directory_iterator(); entry.increment(ignored)) {
+        const auto writer = writerOf(entry->path().filename().string(), prefix);
+        if (writer && ::kill(*writer, 0) != 0 && errno == ESRCH)
+            ::unlink(entry->path().c_str());
+    }
 }
 
 } // namespace
@@ -144,7 +171,12 @@ AtomicFile::AtomicFile(std::string_view path, bool ownerOnly) {
         throw RuntimeError(ErrorNumber::PathFileAccessError);
 
     const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
-    temporary_ = folder / fmt::format(".tremorledger-{}.tmp", ::getpid());
+    // Named after its file: others of the same folder may be written while this one is open.
+    constexpr std::size_t longestPart = 100; // the file's own name may be as long as any can be
+    const std::string prefix =
+        fmt::format(".{}-", target.filename().string().substr(0, longestPart));
+    removeAbandoned(folder, prefix);
+    temporary_ = folder / fmt::format("{}{}.tmp", prefix, ::getpid());
     ::unlink(temporary_.c_str()); // left by a crash of an earlier process of this number
     const mode_t mode = ownerOnly ? S_IRUSR | S_IWUSR : S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH;
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;

@@ -39,7 +39,7 @@ std::string readFileHead(std::string_view path, std::uint64_t bytes);
 // temporary file beside it, is flushed to disk and renamed over it, so that a crash or a full disk
 // leaves the old file or the new one, never half of one, and whoever reads the old one meanwhile is
 // not disturbed. `ownerOnly` gives mode 0600, else it is 0644 less the umask. A symbolic link at
-// `path` is followed to the file it names, which need not exist yet. One at a time in a folder.
+// `path` is followed to the file it names, which need not exist yet. One at a time for a file.
 //
 // Each call can raise error 61 (disk full), 70 (permission denied), 75 (any other, a folder or
 // device at `path` included) or 76 (no such folder). Without a commit the old file stays.

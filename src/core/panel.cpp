@@ -19,9 +19,7 @@
 #include <QtWidgets/QMenuBar>
 #include <QtWidgets/QPushButton>
 
-#include <algorithm>
 #include <chrono>
-#include <functional>
 
 namespace tremor {
 namespace {

@@ -1,5 +1,6 @@
 #include "core/panel_browsers.h"
 
+#include "ingest/qt_site_browser.h"
 #include "map/qt_web_browser.h"
 
 #include <utility>
@@ -16,6 +17,10 @@ std::unique_ptr<WebBrowser> QtBrowserMaker::makeBrowser(QWidget& frame, Log& log
         site_ = std::make_unique<MapSite>(MapSite::Environment{
             hosts_, applicationPath_, [&settings] { return settings.PathPins; }, report});
     return std::make_unique<QtWebBrowser>(frame, *site_, clock_, report);
+}
+
+std::unique_ptr<SiteBrowser> QtBrowserMaker::makeSiteBrowser() {
+    return std::make_unique<QtSiteBrowser>(clock_);
 }
 
 } // namespace tremor

@@ -10,7 +10,8 @@
 
 namespace tremor {
 
-// Makes browsers on Qt WebEngine, which share what their pages are given. It outlives them.
+// Makes browsers on Qt WebEngine; those of the maps share what their pages are given. It outlives
+// them.
 class QtBrowserMaker : public BrowserMaker {
   public:
     // `applicationPath` is the folder of the executable, no "/" at its end.
@@ -18,6 +19,7 @@ class QtBrowserMaker : public BrowserMaker {
 
     std::unique_ptr<WebBrowser> makeBrowser(QWidget& frame, Log& log,
                                             const AppSettings& settings) override;
+    std::unique_ptr<SiteBrowser> makeSiteBrowser() override;
 
   private:
     Hosts hosts_;

@@ -22,6 +22,7 @@
 #include "ingest/emsc_source.h"
 #include "ingest/ingv_source.h"
 #include "ingest/internet_probe.h"
+#include "ingest/iside_source.h"
 #include "ingest/liveloc_source.h"
 #include "ingest/local_sources.h"
 #include "ingest/panel_download.h"
@@ -33,6 +34,7 @@
 #include "views/events_grid.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace tremor {
@@ -96,6 +98,10 @@ struct PanelComponents {
     LocalSources localSources;
     CsvExport csvExport;
     CsvImport csvImport;
+    std::unique_ptr<SiteBrowser> updateFromRemoteWbr;
+    HttpFileTransfer isideNetwork; // within that browser's session
+    PanelDownload isideDownload;
+    IsideSource iside;
     StartServices services;
     QueryToControls refresh;
     PollingScheduler scheduler;

@@ -1,14 +1,18 @@
 #include "core/panel_map.h"
 
+#include "core/dates.h"
 #include "core/panel_components.h"
 #include "core/panel_widgets.h"
 #include "core/qt_text.h"
+#include "map/live_page_files.h"
+#include "map/picture_file.h"
 #include "map/scale_bar.h"
 
 #include <QtGui/QAction>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QListWidget>
 
 namespace tremor {
 namespace {
@@ -32,13 +36,22 @@ PanelMap::PanelMap(BrowserMaker& maker, PanelWidgets& widgets, PanelComponents& 
              {components.environment.applicationPath, components.environment.hosts,
               components.environment.locale},
              browsers(), components.log, components.environment.errors),
+      live_(components.settings, components.environment.applicationPath,
+            components.environment.errors),
       bridge_(browsers(), components.settings, components.environment.session,
               components.environment.clock, components.environment.locale, *this,
               components.environment.errors),
       overlays_(*WebBrowser1_, components.settings, components.environment.session,
                 components.database, *this, components.environment.prompts,
-                components.environment.errors, [&components] { return components.openDB(); }) {
+                components.environment.errors, [&components] { return components.openDB(); }),
+      snapshots_(
+          components.environment.applicationPath, *this,
+          [](const Picture& picture, std::string_view path, std::int32_t format) {
+              GDIPlusDCToFile(picture, path, format);
+          },
+          components.environment.errors) {
     bridge_.setObjectHTML();
+    components.settingsUtilities.setMapView([this] { return viewToStore(); });
 }
 
 void PanelMap::reloadMap() {
@@ -50,6 +63,10 @@ void PanelMap::reloadMap() {
 void PanelMap::reloadLastEventMap() {
     bridge_.lastEventMapNavigated();
     pages_.MapsLastEvent();
+}
+
+void PanelMap::writeLivePage() {
+    live_.write(livePageFiles());
 }
 
 void PanelMap::leaveMaps() {
@@ -67,6 +84,13 @@ void PanelMap::readView() {
 
 bool PanelMap::mapPageLoaded() const {
     return WebBrowser1_->LocationURL() != aboutBlank;
+}
+
+std::optional<MapViewTexts> PanelMap::viewToStore() const {
+    if (!mapPageLoaded())
+        return std::nullopt;
+    const PageView& view = bridge_.view();
+    return MapViewTexts{view.CLAT, view.CLNG, view.ZOOM};
 }
 
 bool PanelMap::workspaceIsGlobal() {
@@ -117,6 +141,30 @@ void PanelMap::setGridRowsGrey(const std::vector<std::int64_t>& rows) {
 double PanelMap::distance(std::string_view lat1, std::string_view lon1, std::string_view lat2,
                           std::string_view lon2, std::string_view unit) const {
     return components_.earth.distance(lat1, lon1, lat2, lon2, unit);
+}
+
+// Without a condition in force the map shows the latest hours.
+std::string PanelMap::shownCondition() {
+    AppSettings& settings = components_.settings;
+    if (!settings.searchParQuery.empty())
+        return settings.searchParQuery;
+    return BuildUtcRangeFilter(components_.environment.clock.now(),
+                               settings.RangeHoursOfEventsInMap, settings,
+                               components_.environment.session);
+}
+
+SnapshotEvent PanelMap::lastEvent() const {
+    const LastEventValues& last = components_.alerts.newEvents().lastEvent();
+    return {last.LastUtc, last.LastLatitude, last.LastLongitude, last.LastMagnitude,
+            last.LastDepth};
+}
+
+std::vector<std::string> PanelMap::towns() const {
+    std::vector<std::string> towns;
+    towns.reserve(static_cast<std::size_t>(widgets_.List1->count()));
+    for (int row = 0; row < widgets_.List1->count(); ++row)
+        towns.push_back(toBytes(widgets_.List1->item(row)->text()));
+    return towns;
 }
 
 // The map has been drawn: its first scale is known.

@@ -1,15 +1,20 @@
 #pragma once
 
+#include "core/settings_utilities.h"
+#include "ingest/site_browser.h"
 #include "map/event_markers.h"
 #include "map/js_maps.h"
 #include "map/kml_writer.h"
+#include "map/live_page.h"
 #include "map/map_overlays.h"
+#include "map/map_snapshots.h"
 #include "map/page_bridge.h"
 #include "map/web_browser.h"
 #include "views/grid_view.h"
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,7 +26,7 @@ namespace tremor {
 struct PanelComponents;
 class PanelWidgets;
 
-// Makes the browsers in which the map pages are shown.
+// Makes the browsers of the main window.
 class BrowserMaker {
   public:
     virtual ~BrowserMaker() = default;
@@ -29,12 +34,15 @@ class BrowserMaker {
     // A browser that fills `frame`. Log and settings outlive it.
     virtual std::unique_ptr<WebBrowser> makeBrowser(QWidget& frame, Log& log,
                                                     const AppSettings& settings) = 0;
+    // One out of sight for the session at a web site.
+    virtual std::unique_ptr<SiteBrowser> makeSiteBrowser() = 0;
 };
 
 // The maps of the main window: their browsers, what writes and drives their pages, and what these
 // ask of the window.
 class PanelMap : public BridgeSurroundings,
                  public MarkerSurroundings,
+                 public SnapshotSurroundings,
                  public OverlayControls,
                  public GridMap {
   public:
@@ -44,6 +52,7 @@ class PanelMap : public BridgeSurroundings,
     // The map's page and its parts.
     void reloadMap();
     void reloadLastEventMap();
+    void writeLivePage();
     void leaveMaps(); // both show "about:blank"
     bool mapPageLoaded() const;
     void clickEventi() { WebBrowser1_->fire("eventi", Fire::Click); }
@@ -57,7 +66,14 @@ class PanelMap : public BridgeSurroundings,
     EventMarkers& markers() { return markers_; }
     MapOverlays& overlays() { return overlays_; }
 
-    // BridgeSurroundings and MarkerSurroundings
+    // Pictures of the maps.
+    MapSnapshots& snapshots() { return snapshots_; }
+    void mapsInJPGLastEvent() { snapshots_.mapsInJPG(*wbr_last_, SnapshotKind::LastEvent, {}); }
+    void mapsInJPGWorkspace() {
+        snapshots_.mapsInJPG(*WebBrowser1_, SnapshotKind::WorkspaceMap, {});
+    }
+
+    // BridgeSurroundings, MarkerSurroundings and SnapshotSurroundings
     bool workspaceIsGlobal() override;
     void FillGridEvents(std::string_view filter, std::string_view fallbackFilter,
                         std::string_view order) override;
@@ -82,6 +98,12 @@ class PanelMap : public BridgeSurroundings,
     double distance(std::string_view lat1, std::string_view lon1, std::string_view lat2,
                     std::string_view lon2, std::string_view unit) const override;
 
+    bool takeDocumentReady() override { return bridge_.takeDocumentReady(); }
+    void onclickEventi() override { WebBrowser1_->fire("eventi", Fire::Onclick); }
+    std::string shownCondition() override;
+    SnapshotEvent lastEvent() const override;
+    std::vector<std::string> towns() const override;
+
     // OverlayControls
     void setLegendBox(bool checked) override;
     void uncheckStationsItem() override;
@@ -93,6 +115,8 @@ class PanelMap : public BridgeSurroundings,
     void selectMarker(std::string_view utc) override;
 
   private:
+    // What the settings keep of the workspace map; nothing without a page.
+    std::optional<MapViewTexts> viewToStore() const;
     void drawFirstMarkers();
 
     PageBrowsers browsers() { return {*WebBrowser1_, *wbr_last_, *wbrSaveMaps_}; }
@@ -105,8 +129,10 @@ class PanelMap : public BridgeSurroundings,
     KmlWriter kml_;
     EventMarkers markers_;
     JSMaps pages_;
+    LivePage live_;
     PageBridge bridge_;
     MapOverlays overlays_;
+    MapSnapshots snapshots_;
     bool freshPage_ = false; // the workspace map was loaded anew and has no markers yet
 };
 

@@ -110,6 +110,10 @@ void PanelSteps::downloadCsvFromIngv() {
     components_.ingv.downloadCsvFromIngv();
 }
 
+void PanelSteps::downloadCsvFromIside() {
+    components_.iside.downloadCsvFromIside();
+}
+
 void PanelSteps::downloadCsvFromUSGS() {
     components_.usgs.downloadCsvFromUSGS();
 }
@@ -159,6 +163,18 @@ std::int32_t PanelSteps::checkIdTelegram() {
     bool changed = false;
     components_.alerts.telegram().checkIdTelegram(added, changed);
     return added;
+}
+
+void PanelSteps::mapsInJPGLastEvent() {
+    components_.map.mapsInJPGLastEvent();
+}
+
+void PanelSteps::mapsInJPGWorkspace() {
+    components_.map.mapsInJPGWorkspace();
+}
+
+void PanelSteps::TimerCheckScreenshot_Timer() {
+    components_.map.snapshots().TimerCheckScreenshot_Timer();
 }
 
 void PanelSteps::saveAllWorkspace() {
@@ -215,10 +231,12 @@ void PanelSteps::savingWorkspacePage() {
 
 void PanelSteps::webPageForKml() {
     components_.map.pages().MapsWebKml();
+    components_.map.writeLivePage();
 }
 
 void PanelSteps::webPageForCsv() {
     components_.map.pages().MapsWebCsv();
+    components_.map.writeLivePage();
 }
 
 void PanelSteps::setObjectHTML() {

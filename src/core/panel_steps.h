@@ -53,23 +53,6 @@ class PanelControlStates : public PanelControls {
     QMainWindow& window_;
 };
 
-// The outward steps of the subsystems that the program does not have: snapshots and the ISIDE
-// source. They do nothing, which is what each of them does when it is switched off or finds no
-// page.
-class AbsentSubsystems : public TickSteps,
-                         public ServiceSteps,
-                         public QueryToControlsSteps,
-                         public TownsReport {
-  public:
-    // Snapshots.
-    void mapsInJPGLastEvent() override {}
-    void mapsInJPGWorkspace() override {}
-    virtual void TimerCheckScreenshot_Timer() {}
-
-    // Sources.
-    void downloadCsvFromIside() override {}
-};
-
 // The geometry of the earth for the nearby towns.
 class PanelEarth : public EarthRoutines {
   public:
@@ -101,7 +84,10 @@ class PanelTowns : public TownsList {
 };
 
 // Carries the outward steps of the logic over to the components of the main window.
-class PanelSteps : public AbsentSubsystems {
+class PanelSteps : public TickSteps,
+                   public ServiceSteps,
+                   public QueryToControlsSteps,
+                   public TownsReport {
   public:
     PanelSteps(PanelWidgets& widgets, PanelComponents& components)
         : widgets_(widgets), components_(components) {}
@@ -112,6 +98,7 @@ class PanelSteps : public AbsentSubsystems {
     void refreshLogList() override;
     void startServices() override;
     void downloadCsvFromIngv() override;
+    void downloadCsvFromIside() override;
     void downloadCsvFromUSGS() override;
     void downloadCsvFromEmsc() override;
     void ListFolder(std::string_view localSourcePath) override;
@@ -126,6 +113,9 @@ class PanelSteps : public AbsentSubsystems {
     std::int32_t checkIdTelegram() override;
     void eventOnPOI(const SelectedEvent& event) override;
 
+    void mapsInJPGLastEvent() override;
+    void mapsInJPGWorkspace() override;
+    void TimerCheckScreenshot_Timer();
     void saveAllWorkspace() override;
     void popolaComboWorkspace() override;
     void pictureMagnitudeEvents() override;

@@ -1,5 +1,6 @@
 #include "core/panel_widgets.h"
 
+#include "core/named_widget.h"
 #include "core/qt_text.h"
 
 #include <QtWidgets/QCheckBox>
@@ -21,12 +22,6 @@ constexpr char searchModeTip[] =
     "new events.";
 
 constexpr int controlSpacing = 6; // pixels
-
-template <class Widget>
-Widget* named(Widget* widget, const char* objectName) {
-    widget->setObjectName(QLatin1StringView(objectName));
-    return widget;
-}
 
 // A label for texts that may come from feeds: never taken for markup.
 QLabel* plainLabel(QWidget* parent, const char* objectName) {

@@ -36,7 +36,9 @@ class PanelWorkspaceMap : public WorkspaceMap {
     void eventsInMapWRKS(std::string_view sql) override {
         map_.markers().eventsInMapWRKS(*browser_, sql);
     }
-    void mapsInJPG(std::string_view) override {} // pictures of the maps are not taken yet
+    void mapsInJPG(std::string_view name) override {
+        map_.snapshots().mapsInJPG(*browser_, SnapshotKind::NamedWorkspace, name);
+    }
 
   private:
     std::unique_ptr<WebBrowser> browser_;

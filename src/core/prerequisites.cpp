@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
-#include <string>
+#include <utility>
 
 namespace tremor {
 

@@ -3,7 +3,7 @@
 #include "core/error_report.h"
 #include "core/ports.h"
 
-#include <functional>
+#include <string>
 #include <string_view>
 
 namespace tremor {

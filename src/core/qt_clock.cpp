@@ -1,11 +1,12 @@
 #include "core/qt_clock.h"
 
+#include "core/flag_scope.h"
+
 #include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDateTime>
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QEventLoop>
-#include <QtCore/QScopedValueRollback>
 #include <QtCore/QTimer>
 
 namespace tremor {
@@ -60,8 +61,8 @@ void QtClock::pump() {
 void QtClock::repaint() {
     if (repainting_)
         return;
-    const QScopedValueRollback repainting(repainting_, true);
-    const QScopedValueRollback held(session_.TicksHeld, true);
+    const FlagScope repainting(repainting_);
+    const FlagScope held(session_.TicksHeld);
     const SocketHold sockets;
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
     // The call has used up the signal by which the waiting input was announced.
@@ -69,7 +70,7 @@ void QtClock::repaint() {
 }
 
 bool QtClock::waitWithoutInput(const std::function<bool()>& done, std::chrono::milliseconds limit) {
-    const QScopedValueRollback held(session_.TicksHeld, true);
+    const FlagScope held(session_.TicksHeld);
     const QDeadlineTimer deadline(limit);
     QTimer alarm; // so that the loop wakes when nothing else happens
     alarm.start(waitTurn);

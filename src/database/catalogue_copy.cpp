@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <string_view>
 #include <vector>
 
 namespace tremor {

@@ -277,11 +277,6 @@ int Database::execute(Statement& statement, const std::vector<std::string_view>&
     });
 }
 
-bool Database::isReadOnly(std::string_view sql) {
-    const Statement statement = prepare(sql);
-    return statement && sqlite3_stmt_readonly(statement.handle_.get()) != 0;
-}
-
 std::int64_t Database::changes() const {
     return isOpen() && !impl_->connection.running() ? sqlite3_changes64(impl_->connection.handle())
                                                     : 0;

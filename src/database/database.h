@@ -145,10 +145,6 @@ class Database {
     // Runs a prepared statement with these texts in its places. 0 or the error number.
     int execute(Statement& statement, const std::vector<std::string_view>& values);
 
-    // True when the text is one statement that leaves the file as it is. Compiles it and runs
-    // nothing.
-    bool isReadOnly(std::string_view sql);
-
     // Rows changed by the last successful insert, update or delete.
     std::int64_t changes() const;
 

@@ -2,15 +2,14 @@
 
 #include "core/error_report.h"
 #include "core/files.h"
+#include "database/file_identity.h"
 
 #include <fmt/format.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <optional>
-#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -20,15 +19,6 @@ namespace tremor {
 namespace {
 
 namespace fs = std::filesystem;
-
-using FileIdentity = std::pair<dev_t, ino_t>;
-
-std::optional<FileIdentity> identityOf(const fs::path& path) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0)
-        return std::nullopt;
-    return FileIdentity{status.st_dev, status.st_ino};
-}
 
 // Folders that vanish or may not be read, as those of other users' processes, count as empty.
 std::vector<fs::path> entriesOf(const fs::path& folder, std::error_code& error) {

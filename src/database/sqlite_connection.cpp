@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 #include <sqlite3.h>
-#include <sys/stat.h>
 
 #include <limits>
 #include <thread>
@@ -126,14 +125,6 @@ StatementHandle SqliteConnection::prepare(std::string_view sql, bool keptForLong
 
 bool SqliteConnection::isOpenOn(std::string_view path) const {
     return handle_ != nullptr && path == path_ && file_ && identityOf(path_) == file_;
-}
-
-std::optional<SqliteConnection::FileIdentity>
-SqliteConnection::identityOf(const std::string& path) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0)
-        return std::nullopt;
-    return FileIdentity{status.st_dev, status.st_ino};
 }
 
 void SqliteConnection::start() {

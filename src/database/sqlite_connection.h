@@ -1,8 +1,7 @@
 #pragma once
 
+#include "database/file_identity.h"
 #include "database/statement_handle.h"
-
-#include <sys/types.h>
 
 #include <chrono>
 #include <functional>
@@ -84,16 +83,10 @@ class SqliteConnection {
 
   private:
     using Time = std::chrono::steady_clock::time_point;
-    struct FileIdentity {
-        dev_t device;
-        ino_t inode;
-        bool operator==(const FileIdentity&) const = default;
-    };
 
     static constexpr int misuse = 21;     // SQLITE_MISUSE
     static constexpr int outOfMemory = 7; // SQLITE_NOMEM
 
-    static std::optional<FileIdentity> identityOf(const std::string& path);
     static int onBusy(void* self, int attempts) noexcept;
     static int onProgress(void* self) noexcept;
     static int authorize(void* self, int action, const char* first, const char* second,

@@ -1,6 +1,7 @@
 #include "ingest/cls_downloader.h"
 
 #include "core/conversions.h"
+#include "core/descriptor.h"
 #include "core/error_report.h"
 #include "core/files.h"
 
@@ -29,36 +30,24 @@ void deleteTarget(const std::string& target) {
 class TargetFile {
   public:
     explicit TargetFile(const std::string& path)
-        : descriptor_(
-              ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600)) {
-        if (descriptor_ < 0)
+        : file_(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600)) {
+        if (!file_.isOpen())
             raiseWriteError(errno);
     }
-    ~TargetFile() {
-        if (descriptor_ >= 0)
-            ::close(descriptor_);
-    }
-    TargetFile(const TargetFile&) = delete;
-    TargetFile& operator=(const TargetFile&) = delete;
 
     void write(std::string_view bytes) const {
-        while (!bytes.empty()) {
-            const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
-            if (written >= 0)
-                bytes.remove_prefix(static_cast<std::size_t>(written));
-            else if (errno != EINTR)
-                raiseWriteError(errno);
-        }
+        if (const int error = file_.write(bytes); error != 0)
+            raiseWriteError(error);
     }
 
     // Some file systems tell of a failed write only now.
     void close() {
-        if (::close(std::exchange(descriptor_, -1)) != 0 && errno != EINTR)
+        if (!file_.close())
             raiseWriteError(errno);
     }
 
   private:
-    int descriptor_;
+    Descriptor file_;
 };
 
 void checkStatus(int status) {
@@ -77,8 +66,12 @@ std::int32_t sizeInKilobytes(std::int64_t bytes) {
 } // namespace
 
 ClsDownloader::ClsDownloader(DownloadEvents& events, Clock& clock, const Session& session,
-                             DownloadLimits limits)
-    : events_(events), clock_(clock), session_(session), limits_(std::move(limits)) {}
+                             DownloadLimits limits, HttpCookies cookies)
+    : events_(events),
+      clock_(clock),
+      session_(session),
+      limits_(std::move(limits)),
+      cookies_(std::move(cookies)) {}
 
 void ClsDownloader::DownloadFile(std::string_view url, std::string_view target,
                                  std::int32_t chunkSize, bool withoutStatusCheck) {
@@ -115,7 +108,7 @@ ClsDownloader::End ClsDownloader::transfer(const std::string& url, const std::st
     if (url.empty())
         fail("URL not valid.");
     deleteTarget(target);
-    HttpTransfer http(url, limits_);
+    HttpTransfer http(url, limits_, cookies_);
     if (!http.started())
         fail("Can't start Internet session.");
     if (!awaitAnswer(http))

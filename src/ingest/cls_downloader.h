@@ -31,7 +31,7 @@ class DownloadEvents {
 class ClsDownloader {
   public:
     ClsDownloader(DownloadEvents& events, Clock& clock, const Session& session,
-                  DownloadLimits limits);
+                  DownloadLimits limits, HttpCookies cookies = {});
     ClsDownloader(const ClsDownloader&) = delete;
     ClsDownloader& operator=(const ClsDownloader&) = delete;
 
@@ -63,6 +63,7 @@ class ClsDownloader {
     Clock& clock_;
     const Session& session_;
     DownloadLimits limits_;
+    HttpCookies cookies_;
     bool cancel_ = false;
 };
 

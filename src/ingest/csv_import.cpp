@@ -2,12 +2,12 @@
 
 #include "core/dates.h"
 #include "core/files.h"
+#include "core/paced_repaint.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <iterator>
 #include <optional>
 #include <utility>
@@ -67,27 +67,6 @@ void forEachCsvLine(std::string_view text, Use&& use) {
             return;
     }
 }
-
-// Paints the windows during work of many small pieces.
-class Repainting {
-  public:
-    explicit Repainting(Clock& clock) : clock_(clock), last_(clock.steady()) {}
-
-    // To be called for each piece.
-    void count() {
-        constexpr std::size_t piecesPerLook = 1024;
-        constexpr std::chrono::milliseconds interval{30};
-        if (++pieces_ % piecesPerLook != 0 || clock_.steady() - last_ < interval)
-            return;
-        clock_.repaint();
-        last_ = clock_.steady();
-    }
-
-  private:
-    Clock& clock_;
-    std::chrono::milliseconds last_;
-    std::size_t pieces_ = 0;
-};
 
 } // namespace
 
@@ -168,10 +147,13 @@ void CsvImport::importEvents(const CsvEvents& events, FeedReader reader, Procedu
     });
     ImportOutcome outcome;
     trace.step([&] {
-        Repainting repainting(context_.clock);
+        constexpr std::size_t recordsPerLook = 1024; // at the clock
+        PacedRepaint repaint(context_.clock);
+        std::size_t records = 0;
         const RecordPass pass = [&](const RecordVisitor& visit) {
             events.forEach([&](const ImportRecord& record) {
-                repainting.count();
+                if (++records % recordsPerLook == 0)
+                    repaint();
                 return visit(record);
             });
         };

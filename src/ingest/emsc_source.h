@@ -4,7 +4,6 @@
 #include "ingest/import_rules.h"
 #include "ingest/panel_download.h"
 
-#include <string>
 #include <string_view>
 
 // The RSS feed of the EMSC (https://www.emsc-csem.org/service/rss/rss.php?typ=emsc), the latest 50

@@ -2,8 +2,10 @@
 
 #include "core/version.h"
 
+#include <fmt/format.h>
 #include <strings.h>
 
+#include <algorithm>
 #include <exception>
 
 namespace tremor {
@@ -18,13 +20,30 @@ bool namesALocation(std::string_view line) {
            line.find_first_not_of(" \t\r\n", locationField.size()) != std::string_view::npos;
 }
 
+// A tab or a line end would make other cookies of it.
+bool fitsIntoALine(const HttpCookie& cookie) {
+    const auto isControl = [](char c) { return (c >= 0 && c < 0x20) || c == 0x7F; };
+    const std::string text = cookie.name + cookie.value + cookie.domain + cookie.path;
+    return !cookie.domain.empty() && std::none_of(text.begin(), text.end(), isControl);
+}
+
+// As libcurl reads it (https://curl.se/docs/http-cookies.html):
+// "example.org\tFALSE\t/\tFALSE\t0\tname\tvalue".
+std::string cookieLine(const HttpCookie& cookie) {
+    const auto flag = [](bool on) { return on ? "TRUE" : "FALSE"; };
+    return fmt::format("{}\t{}\t{}\t{}\t{}\t{}\t{}", cookie.domain, flag(cookie.ofSubdomains),
+                       cookie.path, flag(cookie.secure), cookie.expires, cookie.name, cookie.value);
+}
+
 } // namespace
 
-HttpTransfer::HttpTransfer(std::string_view url, const DownloadLimits& limits)
+HttpTransfer::HttpTransfer(std::string_view url, const DownloadLimits& limits,
+                           const HttpCookies& cookies)
     : maximumBytes_(limits.maximumBytes) {
     if (transfer_.easy() == nullptr)
         return;
     setOptions(url, limits);
+    setCookies(cookies);
     started_ = transfer_.start();
 }
 
@@ -51,6 +70,15 @@ void HttpTransfer::setOptions(std::string_view url, const DownloadLimits& limits
     curl_easy_setopt(easy, CURLOPT_HEADERDATA, this);
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, onBody);
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, this);
+}
+
+// libcurl's own store of cookies knows which request each of them belongs to; a header of the
+// program's own would follow every redirect.
+void HttpTransfer::setCookies(const HttpCookies& cookies) {
+    for (const HttpCookie& cookie : cookies) {
+        if (fitsIntoALine(cookie))
+            curl_easy_setopt(transfer_.easy(), CURLOPT_COOKIELIST, cookieLine(cookie).c_str());
+    }
 }
 
 int HttpTransfer::status() const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/curl_transfer.h"
+#include "ingest/http_cookie.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -24,8 +25,11 @@ struct DownloadLimits {
 // calls back into the program, so that the owner may let window messages run between turns.
 class HttpTransfer {
   public:
-    // `url` as for percentEncodeRefused. Nothing is sent before the first turn.
-    HttpTransfer(std::string_view url, const DownloadLimits& limits);
+    // `url` as for percentEncodeRefused. Nothing is sent before the first turn. Of `cookies` each
+    // request, redirected ones included, carries those that are its host's and its path's; what
+    // the servers set is forgotten with this object.
+    HttpTransfer(std::string_view url, const DownloadLimits& limits,
+                 const HttpCookies& cookies = {});
     HttpTransfer(const HttpTransfer&) = delete;
     HttpTransfer& operator=(const HttpTransfer&) = delete;
 
@@ -61,6 +65,7 @@ class HttpTransfer {
     static std::size_t onBody(char* data, std::size_t size, std::size_t count, void* self);
     void readHeaderLine(std::string_view line);
     void setOptions(std::string_view url, const DownloadLimits& limits);
+    void setCookies(const HttpCookies& cookies);
 
     CurlHeaders requestHeaders_;
     std::int64_t maximumBytes_;

@@ -1,8 +1,8 @@
 #include "ingest/import_rules.h"
 
 #include "core/flag_scope.h"
+#include "database/row_writer.h"
 #include "ingest/duplicate_check.h"
-#include "ingest/row_writer.h"
 
 #include <fmt/format.h>
 
@@ -15,9 +15,6 @@ namespace {
 
 // One label change for so many lines of the file.
 constexpr std::size_t progressStep = 50;
-
-constexpr std::string_view insertStatement =
-    "insert INTO Events(UTC, Latitude, Longitude, Depth,Magnitude,Source) Values (?,?,?,?,?,?)";
 
 bool isNew(const ImportRecord& record) {
     return !record.UTC.empty() && !record.IsDuplicate;
@@ -84,7 +81,7 @@ ImportOutcome insertAll(const RecordPass& records, std::size_t count, Database& 
     Transaction transaction(database);
     if (!transaction.isOpen())
         return nothingStored(count, database);
-    RowWriter writer(database, insertStatement);
+    RowWriter writer(database, insertEvent);
     bool going = writer.isReady();
     if (going)
         records([&](const ImportRecord& record) {

@@ -8,7 +8,6 @@
 #include "database/database.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -44,6 +43,10 @@ struct ImportRecord {
     std::string_view Source;
     bool IsDuplicate = false; // the catalogue holds this event already
 };
+
+// Stores one event.
+inline constexpr std::string_view insertEvent =
+    "insert INTO Events(UTC, Latitude, Longitude, Depth,Magnitude,Source) Values (?,?,?,?,?,?)";
 
 // The feed readers differ in which rows count as the same event.
 enum class FeedReader { Ingv, IsideCsv, Emsc, Usgs, UserCsv };

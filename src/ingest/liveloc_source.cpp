@@ -2,8 +2,8 @@
 
 #include "core/common_text.h"
 #include "core/files.h"
-#include "ingest/paced_repaint.h"
-#include "ingest/row_writer.h"
+#include "core/paced_repaint.h"
+#include "database/row_writer.h"
 #include "ingest/run_failures.h"
 
 #include <fmt/format.h>
@@ -20,9 +20,6 @@ constexpr std::string_view source = "LIVELOC";
 constexpr std::string_view importedPrefix = "imported_";
 constexpr std::string_view noisePrefix = "noise_";
 constexpr char handledMark = '_';
-
-constexpr std::string_view insertStatement =
-    "insert INTO Events(UTC, Latitude, Longitude, Depth,Magnitude, Source) Values (?,?,?,?,?,?)";
 
 // Columns count from 1, as in the format's own description.
 std::string_view columns(std::string_view line, std::size_t first, std::size_t last) {
@@ -158,7 +155,7 @@ std::string LivelocRun::insertEvents(const std::vector<Sfile>& files) {
     Transaction transaction(database);
     if (!transaction.isOpen())
         return database.slGetError();
-    RowWriter writer(database, insertStatement);
+    RowWriter writer(database, insertEvent);
     if (!writer.isReady())
         return database.slGetError();
     for (const Sfile& file : files) {

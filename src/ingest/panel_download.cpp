@@ -11,15 +11,20 @@
 namespace tremor {
 
 HttpFileTransfer::HttpFileTransfer(Clock& clock, const Session& session, const Hosts& hosts,
-                                   DownloadLimits limits)
-    : clock_(clock), session_(session), hosts_(hosts), limits_(std::move(limits)) {}
+                                   DownloadLimits limits, std::function<HttpCookies()> cookies)
+    : clock_(clock),
+      session_(session),
+      hosts_(hosts),
+      limits_(std::move(limits)),
+      cookies_(std::move(cookies)) {}
 
 void HttpFileTransfer::DownloadFile(DownloadEvents& events, std::string_view url,
                                     std::string_view target, std::int32_t chunkSize,
                                     bool withoutStatusCheck) {
     DownloadLimits limits = limits_;
     limits.certificateAuthorityFile = hosts_.CaFile;
-    ClsDownloader downloader(events, clock_, session_, limits);
+    ClsDownloader downloader(events, clock_, session_, limits,
+                             cookies_ ? cookies_() : HttpCookies());
     downloader.DownloadFile(url, target, chunkSize, withoutStatusCheck);
 }
 
@@ -31,9 +36,14 @@ PanelDownload::PanelDownload(Session& session, StatusPanel& status, Clock& clock
       transfer_(transfer),
       unloadPanel_(std::move(unloadPanel)) {}
 
-bool PanelDownload::fetch(std::string_view url, std::string_view target) {
+bool PanelDownload::fetchOnce(std::string_view url, std::string_view target) {
     session_.DownloadState = 2;
     transfer_.DownloadFile(*this, url, target, chunkSize, false);
+    return session_.DownloadState != 2 && !session_.waitsMustEnd();
+}
+
+bool PanelDownload::fetch(std::string_view url, std::string_view target) {
+    fetchOnce(url, target);
     while (session_.DownloadState == 2 && session_.WaitCounter < waitLimit && !session_.Closing) {
         clock_.sleep(std::chrono::milliseconds(100));
         ++session_.WaitCounter;

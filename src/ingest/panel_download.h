@@ -21,11 +21,11 @@ class FileTransfer {
 };
 
 // The real one: a fresh ClsDownloader for each transfer, within `limits`. The authority's file
-// comes from `hosts`.
+// comes from `hosts`; `cookies` is asked anew for each transfer, and without it there are none.
 class HttpFileTransfer : public FileTransfer {
   public:
     HttpFileTransfer(Clock& clock, const Session& session, const Hosts& hosts,
-                     DownloadLimits limits = {});
+                     DownloadLimits limits = {}, std::function<HttpCookies()> cookies = {});
     void DownloadFile(DownloadEvents& events, std::string_view url, std::string_view target,
                       std::int32_t chunkSize, bool withoutStatusCheck) override;
 
@@ -34,6 +34,7 @@ class HttpFileTransfer : public FileTransfer {
     const Session& session_;
     const Hosts& hosts_;
     DownloadLimits limits_;
+    std::function<HttpCookies()> cookies_;
 };
 
 // The downloads of the main window: their progress on its controls, and the wait for their end.
@@ -51,6 +52,10 @@ class PanelDownload : private DownloadEvents {
     // of WaitCounter. True when WaitCounter is below the limit afterwards. WaitCounter is not
     // reset: its value tells a failure (below 9999) from a closing program.
     bool fetch(std::string_view url, std::string_view target);
+
+    // The same without a wait behind a failed transfer. True when it has completed and the program
+    // does not close.
+    bool fetchOnce(std::string_view url, std::string_view target);
 
   private:
     void SizeCalculated(std::int32_t kilobytes) override;

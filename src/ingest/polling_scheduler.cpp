@@ -1,6 +1,6 @@
 #include "ingest/polling_scheduler.h"
 
-#include "ingest/nesting.h"
+#include "core/flag_scope.h"
 
 #include <fmt/format.h>
 
@@ -13,6 +13,18 @@ namespace {
 constexpr std::string_view module = "Form - panel";
 
 constexpr std::int16_t collectNow = 9999; // seconds
+
+// Counts how many calls of a procedure stand inside one another: one more for the life of a block.
+class Nesting {
+  public:
+    explicit Nesting(int& depth) : depth_(depth) { ++depth_; }
+    ~Nesting() { --depth_; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+
+  private:
+    int& depth_;
+};
 
 std::int32_t toLong(std::int64_t value) {
     if (value < std::numeric_limits<std::int32_t>::min() ||
@@ -246,9 +258,9 @@ void PollingScheduler::countTelegram(ProcedureTrace& trace) {
 }
 
 void PollingScheduler::pollTelegramUsers() {
-    if (settings_.enableTelegram != 1 || telegramPolls_ > 0)
+    if (settings_.enableTelegram != 1 || pollingTelegram_)
         return;
-    const Nesting nesting(telegramPolls_);
+    const FlagScope polling(pollingTelegram_);
     ProcedureTrace trace(errors_, module, "pollTelegramUsers");
     bool valid = false;
     trace.step([&] { valid = steps_.telegramTokenValid(); });

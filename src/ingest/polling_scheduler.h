@@ -87,7 +87,7 @@ class PollingScheduler {
     PollCounters counters_;
     bool TimerBusy_ = false;
     std::int32_t TelegramElapsed_ = 0; // seconds
-    int telegramPolls_ = 0;            // running: none or one
+    bool pollingTelegram_ = false;
     int nesting_ = 0;
     std::optional<DateTime> LastTimerTick_;
 };

@@ -4,8 +4,8 @@
 #include "core/dates.h"
 #include "core/files.h"
 #include "core/flag_scope.h"
-#include "ingest/paced_repaint.h"
-#include "ingest/row_writer.h"
+#include "core/paced_repaint.h"
+#include "database/row_writer.h"
 #include "ingest/run_failures.h"
 
 #include <fmt/format.h>

@@ -1,7 +1,8 @@
 #include "ingest/start_services.h"
 
 #include "core/dates.h"
-#include "ingest/nesting.h"
+#include "core/flag_scope.h"
+#include "core/latest_hours.h"
 
 namespace tremor {
 
@@ -22,9 +23,9 @@ StartServices::StartServices(Session& session, AppSettings& settings, Clock& clo
       steps_(steps) {}
 
 void StartServices::startServices() {
-    if (running_ > 0)
+    if (running_)
         return;
-    const Nesting nesting(running_);
+    const FlagScope running(running_);
     ProcedureTrace trace(errors_, "Form - panel", "startServices");
     refreshEverything(trace);
     if (settings_.SaveInKml == 1)
@@ -98,7 +99,7 @@ void StartServices::fillViews(ProcedureTrace& trace) {
 }
 
 void StartServices::fillGrid(ProcedureTrace& trace) {
-    const std::string filter = rangeFilter(trace);
+    const std::string filter = latestHours(trace, clock_, settings_, session_);
     // A copy: the query changes when the map moves while the grid fills.
     const std::string query = settings_.searchParQuery;
     trace.step([&] { steps_.FillGridEvents(query, filter, {}); });
@@ -109,19 +110,11 @@ void StartServices::fillGridOfWorkspace(ProcedureTrace& trace) {
     if (settings_.wrkSpaceUpdating != 1 || query.empty()) {
         fillGrid(trace);
     } else if (query.size() > utcRangeLength) {
-        const std::string renewed = replaceTrailingUtcRange(query, rangeFilter(trace));
+        const std::string renewed =
+            replaceTrailingUtcRange(query, latestHours(trace, clock_, settings_, session_));
         settings_.searchParQuery = renewed;
         trace.step([&] { steps_.FillGridEvents(renewed, {}, {}); });
     }
-}
-
-std::string StartServices::rangeFilter(ProcedureTrace& trace) {
-    std::string filter;
-    trace.step([&] {
-        filter = BuildUtcRangeFilter(clock_.now(), settings_.RangeHoursOfEventsInMap, settings_,
-                                     session_);
-    });
-    return filter;
 }
 
 } // namespace tremor

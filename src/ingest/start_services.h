@@ -34,7 +34,6 @@ class StartServices {
     void refreshViews(ProcedureTrace& trace);
     void fillGrid(ProcedureTrace& trace);
     void fillGridOfWorkspace(ProcedureTrace& trace);
-    std::string rangeFilter(ProcedureTrace& trace);
 
     Session& session_;
     AppSettings& settings_;
@@ -42,7 +41,7 @@ class StartServices {
     ActivityLog& log_;
     ErrorReport& errors_;
     ServiceSteps& steps_;
-    int running_ = 0; // calls on the stack: none or one
+    bool running_ = false;
 };
 
 } // namespace tremor

@@ -1,12 +1,13 @@
 #include "manage/database_manager.h"
 
 #include "core/common_text.h"
+#include "core/dates.h"
+#include "core/flag_scope.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 namespace tremor {
@@ -16,9 +17,7 @@ constexpr std::string_view module = "Form - frmManageDB";
 
 // "2024-01-31"
 std::string dayText(DateTime date) {
-    const std::chrono::year_month_day day(std::chrono::floor<std::chrono::days>(date));
-    return fmt::format("{:04}-{:02}-{:02}", static_cast<int>(day.year()),
-                       static_cast<unsigned>(day.month()), static_cast<unsigned>(day.day()));
+    return dateToText(date).substr(0, 10);
 }
 
 std::string dateCondition(const EventQueryForm& form) {
@@ -55,18 +54,6 @@ std::vector<std::string> column(Database& database, std::string_view sql, std::s
         texts.push_back(database.slFN(name));
     return texts;
 }
-
-// Sets a flag for a scope.
-class Raised {
-  public:
-    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Raised() { flag_ = false; }
-    Raised(const Raised&) = delete;
-    Raised& operator=(const Raised&) = delete;
-
-  private:
-    bool& flag_;
-};
 
 } // namespace
 
@@ -161,7 +148,7 @@ std::optional<ResultSet> DatabaseManager::cmdQuery(std::string_view statement) {
     }
     if (running_)
         return std::nullopt;
-    const Raised running(running_);
+    const FlagScope running(running_);
     // Opened for each query, so that no lock of an idle reader stands in the way of an import.
     int code = reader_.slsOpen(catalogue_.path(), "R");
     if (code == SQLITE_OK)

@@ -1,6 +1,7 @@
 #include "manage/frm_download.h"
 
 #include "core/qt_text.h"
+#include "core/tick_delegate.h"
 
 #include <QtCore/QTimer>
 #include <QtGui/QCloseEvent>
@@ -12,7 +13,6 @@
 #include <QtWidgets/QListWidget>
 #include <QtWidgets/QProgressBar>
 #include <QtWidgets/QPushButton>
-#include <QtWidgets/QStyledItemDelegate>
 #include <QtWidgets/QTableWidget>
 #include <QtWidgets/QVBoxLayout>
 
@@ -22,26 +22,6 @@
 namespace tremor {
 
 namespace {
-
-constexpr QChar emptyBox = u'q';
-constexpr QChar tickedBox = u'\u00FE';
-
-// Paints a box where a cell holds one of the two marks.
-class MarkDelegate : public QStyledItemDelegate {
-  public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    QString displayText(const QVariant& value, const QLocale&) const override {
-        return value.toString() == tickedBox ? QStringLiteral("\u2611") : QStringLiteral("\u2610");
-    }
-
-  protected:
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-        QStyledItemDelegate::initStyleOption(option, index);
-        option->displayAlignment = Qt::AlignCenter;
-        option->font.setPointSizeF(option->font.pointSizeF() * 1.3);
-    }
-};
 
 QPushButton* makeButton(const char* objectName, const QString& caption) {
     auto* button = new QPushButton(caption);
@@ -101,7 +81,7 @@ QWidget* frmDownload::makeGrid() {
     fxgrid->horizontalHeaderItem(Name)->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     for (const Column column : {Imported, Select}) {
         fxgrid->setColumnWidth(column, 90);
-        fxgrid->setItemDelegateForColumn(column, new MarkDelegate(fxgrid));
+        fxgrid->setItemDelegateForColumn(column, new TickDelegate(fxgrid));
     }
     connect(fxgrid, &QTableWidget::cellClicked, this, &frmDownload::toggle);
     auto* space = new QShortcut(QKeySequence(Qt::Key_Space), fxgrid);
@@ -191,7 +171,7 @@ void frmDownload::toggle(int row, int column) {
 
 void frmDownload::showMark(int row, int column, bool ticked) {
     QTableWidgetItem* cell = fxgrid->item(row, column);
-    cell->setText(ticked ? tickedBox : emptyBox);
+    cell->setText(TickDelegate::mark(ticked));
     cell->setData(Qt::AccessibleTextRole, ticked ? tr("ticked") : tr("not ticked"));
 }
 
@@ -242,7 +222,7 @@ void frmDownload::reject() {
 
 void frmDownload::closeEvent(QCloseEvent* event) {
     leave();
-    QWidget::closeEvent(event); // QDialog's would take every close for Escape
+    event->accept(); // QDialog's own handler would take every close for Escape
 }
 
 // The import must not speak to a window that has gone, nor wait for it.

@@ -1,5 +1,6 @@
 #include "manage/frm_manage_db.h"
 
+#include "core/named_widget.h"
 #include "core/qt_text.h"
 #include "manage/result_model.h"
 
@@ -23,16 +24,10 @@
 
 #include <chrono>
 #include <string>
+#include <utility>
 
 namespace tremor {
 namespace {
-
-template <class Widget, class... Arguments>
-Widget* named(const char* objectName, Arguments&&... arguments) {
-    auto* widget = new Widget(std::forward<Arguments>(arguments)...);
-    widget->setObjectName(QLatin1StringView(objectName));
-    return widget;
-}
 
 QDateEdit* datePicker(const char* objectName) {
     auto* picker = named<QDateEdit>(objectName, QDate::currentDate());

@@ -1,5 +1,6 @@
 #include "manage/frm_manage_poi.h"
 
+#include "core/named_widget.h"
 #include "core/qt_text.h"
 #include "manage/in_place_grid.h"
 #include "manage/poi_model.h"
@@ -15,7 +16,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <string>
 
 namespace tremor {
 namespace {
@@ -23,13 +23,6 @@ namespace {
 constexpr int nameColumn = poiName;
 constexpr int lastColumn = poiColumnCount - 1;
 constexpr int longestMessage = 160; // SQLite's may quote all of a long search
-
-template <class Widget>
-Widget* named(const char* objectName, const QString& caption) {
-    auto* widget = new Widget(caption);
-    widget->setObjectName(QLatin1StringView(objectName));
-    return widget;
-}
 
 } // namespace
 
@@ -83,7 +76,7 @@ QWidget* FrmManagePoI::makeSearch() {
     auto* area = new QWidget(this);
     auto* layout = new QHBoxLayout(area);
     layout->setContentsMargins(0, 0, 0, 0);
-    txt_search = named<QLineEdit>("txt_search", QString());
+    txt_search = named<QLineEdit>("txt_search");
     txt_search->setClearButtonEnabled(true);
     txt_search->setPlaceholderText(tr("Part of a name"));
     txt_search->setToolTip(
@@ -129,7 +122,7 @@ QWidget* FrmManagePoI::makeButtons() {
     auto* lines = new QVBoxLayout(area);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(8);
-    lblRows = named<QLabel>("lblRows", QString());
+    lblRows = named<QLabel>("lblRows");
     lblRows->setTextFormat(Qt::PlainText);
     lblRows->setWordWrap(true);
     lblRows->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // also for long words
@@ -270,7 +263,7 @@ void FrmManagePoI::closeEvent(QCloseEvent* event) {
         event->ignore();
         return;
     }
-    QWidget::closeEvent(event); // QDialog's would take every close for Escape
+    event->accept(); // QDialog's own handler would take every close for Escape
 }
 
 } // namespace tremor

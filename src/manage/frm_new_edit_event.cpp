@@ -1,9 +1,9 @@
 #include "manage/frm_new_edit_event.h"
 
+#include "core/foot_row.h"
 #include "core/qt_text.h"
 #include "manage/in_place_grid.h"
 
-#include <QtWidgets/QHBoxLayout>
 #include <QtWidgets/QHeaderView>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QTableWidget>
@@ -65,17 +65,13 @@ FrmNewEditEvent::FrmNewEditEvent(std::shared_ptr<EventEditor> editor, QWidget* o
     cmdSalva->setObjectName(QStringLiteral("cmdSalva"));
     cmd_cancel = new QPushButton(tr("&Cancel"), this);
     cmd_cancel->setObjectName(QStringLiteral("cmd_cancel"));
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    for (QPushButton* button : {cmdSalva, cmd_cancel}) {
+    for (QPushButton* button : {cmdSalva, cmd_cancel})
         button->setAutoDefault(false); // Return belongs to the grid
-        buttons->addWidget(button);
-    }
     auto* all = new QVBoxLayout(this);
     all->setContentsMargins(12, 12, 12, 12);
     all->setSpacing(12);
     all->addWidget(fxgrid, 1);
-    all->addLayout(buttons);
+    all->addLayout(footRow({cmdSalva, cmd_cancel}));
     resize(400, 340);
 
     fillGrid();

@@ -2,7 +2,7 @@
 
 #include "core/descriptor.h"
 #include "core/error_report.h"
-#include "database/database_errors.h"
+#include "database/row_writer.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -12,12 +12,13 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <utility>
-#include <vector>
 
 namespace tremor {
 
 namespace {
+
+constexpr std::string_view insertStatement =
+    "insert or replace INTO Cities(Name, Latitude, Longitude, Zone) Values (?,?,?,?)";
 
 constexpr std::array<std::string_view, 5> italianCodes = {"ADM3H", "ADM3", "ADM4", "ADM4H", "ADM5"};
 
@@ -96,80 +97,29 @@ class LineReader {
     std::size_t end_ = 0;   // to here
 };
 
-// An open transaction on the table Cities, taken back unless it is committed.
-class CitiesTransaction {
-  public:
-    explicit CitiesTransaction(Database& database)
-        : database_(database), open_(database.slsExe("BEGIN TRANSACTION;") == 0) {
-        if (open_)
-            insert_ = database.prepare("insert or replace INTO Cities(Name, Latitude, Longitude, "
-                                       "Zone) Values (?, ?, ?, ?)");
-    }
-    ~CitiesTransaction() {
-        if (open_)
-            database_.slsExe("ROLLBACK;");
-    }
-    CitiesTransaction(const CitiesTransaction&) = delete;
-    CitiesTransaction& operator=(const CitiesTransaction&) = delete;
-
-    bool isReady() const { return open_ && insert_; }
-
-    // Inserts the place as if its texts had been pasted between apostrophes. False when not the row
-    // but the transaction has failed.
-    bool insert(const DumpLine& place, std::string_view zone, DumpOutcome& outcome) {
-        values_.clear();
-        for (const std::string_view text : {place.name, place.latitude, place.longitude, zone}) {
-            std::optional<std::string> value = pastedTextValue(text);
-            if (!value) {
-                refuse(outcome, "a value holds an apostrophe or a zero byte");
-                return true;
-            }
-            values_.push_back(std::move(*value));
-        }
-        places_.assign(values_.begin(), values_.end());
-        const int error = database_.execute(insert_, places_);
-        if (error == 0)
-            ++outcome.stored;
-        else if (refusesTheRowOnly(error))
-            refuse(outcome, database_.slGetError());
-        return error == 0 || refusesTheRowOnly(error);
-    }
-
-    bool commit() {
-        if (database_.slsExe("COMMIT;") != 0)
-            return false;
-        open_ = false;
-        return true;
-    }
-
-  private:
-    static void refuse(DumpOutcome& outcome, std::string reason) {
-        if (outcome.refused++ == 0)
-            outcome.refusedReason = std::move(reason);
-    }
-
-    Database& database_;
-    bool open_;
-    Statement insert_;
-    std::vector<std::string> values_; // of one row
-    std::vector<std::string_view> places_;
-};
-
 // False when the transaction has failed.
-bool insertAll(LineReader& reader, std::string_view zone, CitiesTransaction& cities,
+bool insertAll(LineReader& reader, std::string_view zone, Database& database,
                const DumpProgress& progress, DumpOutcome& outcome) {
+    RowWriter cities(database, insertStatement);
     if (!cities.isReady())
         return false;
     std::size_t lines = 0;
     for (std::string_view line; reader.next(line); progress.lineDone(++lines)) {
         const std::optional<DumpLine> place = cutDumpLine(line);
-        if (!place)
+        if (!place) {
             ++outcome.unreadable;
-        else if (isPointOfInterest(zone, place->featureCode) &&
-                 !cities.insert(*place, zone, outcome))
+            continue;
+        }
+        if (!isPointOfInterest(zone, place->featureCode))
+            continue;
+        if (!cities.write({place->name, place->latitude, place->longitude, zone}))
             return false;
+        ++outcome.stored;
     }
-    return cities.commit();
+    outcome.stored -= cities.lost();
+    outcome.refused = cities.lost();
+    outcome.refusedReason = cities.lostReason();
+    return true;
 }
 
 } // namespace
@@ -200,8 +150,9 @@ DumpOutcome importDump(const std::string& path, std::string_view zone, Database&
     LineReader reader(path);
     progress.started(reader.countLines());
     DumpOutcome outcome;
-    CitiesTransaction cities(database);
-    if (insertAll(reader, zone, cities, progress, outcome))
+    Transaction transaction(database);
+    if (transaction.isOpen() && insertAll(reader, zone, database, progress, outcome) &&
+        transaction.commit())
         return outcome;
     DumpOutcome failed;
     failed.failure = database.slGetError();

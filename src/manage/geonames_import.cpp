@@ -45,7 +45,8 @@ GeoNamesImport::GeoNamesImport(Session& session, Database& database, Prompts& pr
       errors_(errors),
       network_(network),
       temporaryFolder_(std::move(temporaryFolder)),
-      host_(std::move(host)) {}
+      host_(std::move(host)),
+      repaint_(clock) {}
 
 void GeoNamesImport::opened(GeoNamesWindow& window) {
     window_ = &window;
@@ -268,10 +269,8 @@ bool GeoNamesImport::downloadAll(ProcedureTrace& trace, const std::vector<std::s
 void GeoNamesImport::unpack(ProcedureTrace& trace, const std::string& file) {
     trace.step([&] {
         const std::string folder = temporaryFolder_();
-        const std::string reason = unzip(folder + file, folder, zoneOf(file) + ".txt", [this] {
-            if (paintIsDue())
-                clock_.repaint();
-        });
+        const std::string reason =
+            unzip(folder + file, folder, zoneOf(file) + ".txt", [this] { repaint_(); });
         if (!reason.empty())
             log(fmt::format("{} was not unpacked: {}", file, reason));
     });
@@ -302,7 +301,7 @@ void GeoNamesImport::store(ProcedureTrace& trace, const std::string& file, Total
                               .lineDone =
                                   [&](std::size_t line) {
                                       const bool look = line % linesBetweenLooks == 0;
-                                      if (line == lines || (look && paintIsDue()))
+                                      if (line == lines || (look && repaint_.isDue()))
                                           show(line);
                                   }});
     });
@@ -339,16 +338,6 @@ void GeoNamesImport::ChunkDownloaded(std::int32_t totalKilobytes) {
     const double value =
         roundHalfEven(static_cast<double>(progressMaximum_) * totalKilobytes / downloadSizeKb_);
     window_->setProgress(static_cast<int>(std::min<double>(value, progressMaximum_)));
-}
-
-// True about every 30 ms, for work that nothing may interrupt.
-bool GeoNamesImport::paintIsDue() {
-    constexpr auto pace = 30ms;
-    const std::chrono::milliseconds now = clock_.steady();
-    if (now - lastPaint_ < pace)
-        return false;
-    lastPaint_ = now;
-    return true;
 }
 
 bool GeoNamesImport::mustStop() const {

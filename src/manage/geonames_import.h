@@ -1,13 +1,13 @@
 #pragma once
 
 #include "core/error_report.h"
+#include "core/paced_repaint.h"
 #include "core/ports.h"
 #include "core/session.h"
 #include "database/database.h"
 #include "manage/geonames_dump.h"
 #include "manage/geonames_index.h"
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -132,7 +132,6 @@ class GeoNamesImport : private GeoNamesTransferEvents {
     void store(ProcedureTrace& trace, const std::string& file, Totals& totals);
     void tell(const Totals& totals);
     void remove(const std::string& statement, const std::string& message);
-    bool paintIsDue();
     bool mustStop() const;
     void log(std::string_view message);
 
@@ -153,7 +152,7 @@ class GeoNamesImport : private GeoNamesTransferEvents {
     std::int32_t downloadState_ = 0;  // 2 while a transfer has not completed
     std::int32_t downloadSizeKb_ = 0; // announced size
     int progressMaximum_ = 100;
-    std::chrono::milliseconds lastPaint_{0};
+    PacedRepaint repaint_;
 };
 
 } // namespace tremor

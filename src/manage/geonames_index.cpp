@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <set>
 #include <unordered_map>
-#include <utility>
 
 namespace tremor {
 

@@ -85,7 +85,7 @@ class InPlaceGrid : public View {
         return this->state() == View::EditingState && delegate_->editor() != nullptr;
     }
 
-    CellDelegate* delegate_;
+    CellDelegate* delegate_ = nullptr;
 };
 
 } // namespace tremor

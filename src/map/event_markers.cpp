@@ -6,7 +6,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <span>
 #include <unordered_set>
 #include <utility>

@@ -5,6 +5,7 @@
 #include "core/files.h"
 #include "map/marker_colours.h"
 #include "map/marker_list.h"
+#include "map/page_text.h"
 
 #include <fmt/format.h>
 
@@ -24,8 +25,6 @@ constexpr std::string_view styleNames =
 // Wider classes than those of the pins on the map.
 constexpr std::array depthBounds = {10.0, 20.0, 60.0, 300.0, 800.0}; // km
 constexpr std::string_view depthLetters = "oygbv";
-
-constexpr std::string_view lineEnd = "\r\n";
 
 std::string validUtf8(std::string_view bytes) {
     return isValidUtf8(bytes) ? std::string(bytes) : EncodeUTF8(DecodeUTF8(bytes));
@@ -61,19 +60,7 @@ std::string xmlText(std::string_view value) {
     return text;
 }
 
-class KmlText {
-  public:
-    void line(std::string_view text) {
-        text_.Add(text);
-        text_.Add(lineEnd);
-    }
-    const std::string& text() const { return text_.GetStr(); }
-
-  private:
-    StringBuilder text_;
-};
-
-void addHead(KmlText& kml) {
+void addHead(PageText& kml) {
     kml.line("<?xml version='1.0' encoding='UTF-8'?>");
     kml.line("<kml xmlns='http://earth.google.com/kml/2.1'>");
     kml.line("<Document>");
@@ -81,7 +68,7 @@ void addHead(KmlText& kml) {
     kml.line("<open>1</open>");
 }
 
-void addStyle(KmlText& kml, std::string_view name, std::string_view webHost) {
+void addStyle(PageText& kml, std::string_view name, std::string_view webHost) {
     kml.line(fmt::format("<StyleMap id='{}'>", name));
     for (const std::string_view key : {"normal", "highlight"})
         kml.line(fmt::format("<Pair><key>{}</key><styleUrl>#{}Act</styleUrl></Pair>", key, name));
@@ -113,7 +100,7 @@ void chooseStyle(std::string& style, const KmlEvent& event, const NumberLocale& 
         style = fmt::format("#{}_{}", depthLetters[*letter], *number);
 }
 
-void addPlacemark(KmlText& kml, const KmlEvent& event, std::string_view style) {
+void addPlacemark(PageText& kml, const KmlEvent& event, std::string_view style) {
     const std::string utc = xmlText(event.utc);
     const std::string magnitude = xmlText(event.magnitude);
     kml.line("<Placemark>");
@@ -151,7 +138,7 @@ class ListElements {
     std::vector<std::string_view> parts_;
 };
 
-void addPlacemarks(KmlText& kml, const KmlLists& lists, const NumberLocale& locale) {
+void addPlacemarks(PageText& kml, const KmlLists& lists, const NumberLocale& locale) {
     const ListElements utc(lists.utc);
     const ListElements latitude(lists.latitude);
     const ListElements longitude(lists.longitude);
@@ -170,7 +157,7 @@ void addPlacemarks(KmlText& kml, const KmlLists& lists, const NumberLocale& loca
 
 std::string kmlDocument(const KmlLists& lists, std::string_view webHost,
                         const NumberLocale& locale) {
-    KmlText kml;
+    PageText kml;
     addHead(kml);
     for (const std::string_view name : split(styleNames, ','))
         addStyle(kml, name, webHost);
@@ -200,7 +187,7 @@ void KmlWriter::KmlGenerator(std::string_view utc, std::string_view latitude,
     });
     if (!complete)
         return;
-    text += lineEnd; // as a text printed to a file ends
+    text += "\r\n"; // as a text printed to a file ends
     trace.step([&] { writeFileAtomically(applicationPath_ + "/tremorledger.kml", text, false); });
 }
 

@@ -7,14 +7,15 @@
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
-#include <QtCore/QPointer>
 #include <QtNetwork/QNetworkAccessManager>
 #include <QtNetwork/QNetworkReply>
 #include <QtWebEngineCore/QWebEngineScript>
 #include <QtWebEngineCore/QWebEngineScriptCollection>
 #include <QtWebEngineCore/QWebEngineUrlRequestInfo>
+#include <QtWebEngineCore/QWebEngineUrlRequestInterceptor>
 #include <QtWebEngineCore/QWebEngineUrlRequestJob>
 #include <QtWebEngineCore/QWebEngineUrlScheme>
+#include <QtWebEngineCore/QWebEngineUrlSchemeHandler>
 
 #include <utility>
 
@@ -23,7 +24,7 @@ namespace {
 
 constexpr char schemeName[] = "tremor";
 constexpr int overlayTimeMs = 3000;
-constexpr qint64 largestOverlay = 50 * 1024 * 1024;
+constexpr qint64 largestOverlay = qint64{50} * 1024 * 1024;
 
 const QString engineHost = QStringLiteral("engine");
 const QString overlayHost = QStringLiteral("overlays");

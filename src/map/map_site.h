@@ -2,17 +2,12 @@
 
 #include "core/hosts.h"
 
-#include <QtCore/QObject>
 #include <QtWebEngineCore/QWebEngineProfile>
-#include <QtWebEngineCore/QWebEngineUrlRequestInterceptor>
-#include <QtWebEngineCore/QWebEngineUrlSchemeHandler>
 
 #include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
-
-class QNetworkAccessManager;
 
 namespace tremor {
 

@@ -2,8 +2,8 @@
 
 #include "core/common_text.h"
 #include "core/conversions.h"
-#include "core/dates.h"
 #include "core/flag_scope.h"
+#include "core/latest_hours.h"
 
 #include <fmt/format.h>
 
@@ -78,7 +78,7 @@ void PageBridge::HTML_onclick(const PageSnapshot& page) {
     const double code = ParseDotDouble(page.VALORE, locale_);
     if (code == reloadMarkers) {
         if (settings_.RangeHoursOfEventsInMap > 0) {
-            const std::string range = latestHours(trace);
+            const std::string range = latestHours(trace, clock_, settings_, session_);
             trace.step([&] { surroundings_.visualizeEventsinRectangle(range); });
         }
         clearMessage(page);
@@ -122,7 +122,8 @@ void PageBridge::viewChanged(ProcedureTrace& trace) {
 
 void PageBridge::showEventsOfView(ProcedureTrace& trace) {
     boundsVisualizedMap();
-    settings_.searchParQuery = rectangleCondition(bounds_, locale_) + " AND " + latestHours(trace);
+    settings_.searchParQuery = rectangleCondition(bounds_, locale_) + " AND " +
+                               latestHours(trace, clock_, settings_, session_);
     // A copy, because the table replaces a refused condition in the settings.
     const std::string condition = settings_.searchParQuery;
     const std::string events = std::string(selectEvents) + condition;
@@ -160,15 +161,6 @@ void PageBridge::clearMessage(const PageSnapshot& page) {
     browsers_.WebBrowser1.replaceAttribute("MapClick", "VALORE", page.VALORE, {});
 }
 
-std::string PageBridge::latestHours(ProcedureTrace& trace) {
-    std::string range;
-    trace.step([&] {
-        range = BuildUtcRangeFilter(clock_.now(), settings_.RangeHoursOfEventsInMap, settings_,
-                                    session_);
-    });
-    return range;
-}
-
 const MapBounds& PageBridge::boundsVisualizedMap() {
     const ProcedureTrace trace(errors_, module, "boundsVisualizedMap");
     WebBrowser& browser = browsers_.WebBrowser1;
@@ -180,10 +172,9 @@ const MapBounds& PageBridge::boundsVisualizedMap() {
     const auto dotText = [this](std::string_view text) {
         return CommaToDot(doubleToText(ParseDotDouble(text, locale_), locale_));
     };
-    const PageView& view = page->selection;
-    bounds_ = {dotText(view.BLAT), dotText(view.BLNG), dotText(view.TLAT), dotText(view.TLNG)};
-    zoom_ = view.ZOOM;
-    scaleLabel_ = scaleText(ParseDotDouble(view.SCALE, locale_), locale_);
+    view_ = page->selection;
+    bounds_ = {dotText(view_.BLAT), dotText(view_.BLNG), dotText(view_.TLAT), dotText(view_.TLNG)};
+    scaleLabel_ = scaleText(ParseDotDouble(view_.SCALE, locale_), locale_);
     return bounds_;
 }
 
@@ -204,7 +195,7 @@ void PageBridge::WRKSp_onclick(const PageSnapshot& page) {
     if (settings_.LastWorkSpace != "Global")
         condition = settings_.searchParQuery;
     else if (settings_.RangeHoursOfEventsInMap > 0)
-        condition = latestHours(trace);
+        condition = latestHours(trace, clock_, settings_, session_);
     else
         return;
     trace.step(
@@ -217,6 +208,7 @@ void PageBridge::WebBrowser1_DocumentComplete() {
         return;
     mainMapPending_ = false;
     lastEventMapPending_ = false;
+    mapLive_ = true;
     documentReady_ = true;
     if (settings_.LastWorkSpace != "Global")
         trace.step([&] {
@@ -227,6 +219,7 @@ void PageBridge::WebBrowser1_DocumentComplete() {
 void PageBridge::mapsLeft() {
     mainMapPending_ = false;
     lastEventMapPending_ = false;
+    mapLive_ = false;
     documentReady_ = false;
 }
 

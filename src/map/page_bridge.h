@@ -10,6 +10,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 // What the map pages say and what the program does about it. A page's messages are codes in the
 // attribute VALORE of its element `MapClick`, a mailbox of one slot:
@@ -71,18 +72,26 @@ class PageBridge {
     void WebBrowser1_DocumentComplete();
 
     // A reload of the maps has begun; both calls belong to it.
-    void mainMapNavigated() { mainMapPending_ = true; }
+    void mainMapNavigated() {
+        mainMapPending_ = true;
+        view_ = {};
+    }
     void lastEventMapNavigated() { lastEventMapPending_ = true; }
     // Both maps were left for "about:blank".
     void mapsLeft();
 
     // A page of the workspace map stands: from its first completion until both maps are left.
-    bool mapIsLive() const { return documentReady_; }
+    bool mapIsLive() const { return mapLive_; }
+
+    // A reloaded page of the workspace map stands and has not been asked for here before. Once true
+    // for each reload.
+    bool takeDocumentReady() { return std::exchange(documentReady_, false); }
 
     // Asks the page for its view, after waiting for it to be complete, and gives the view's
     // rectangle; the last one known (at first the whole world) when the page gives no answer.
     const MapBounds& boundsVisualizedMap();
-    const std::string& zoom() const { return zoom_; }             // as the page wrote it
+    // The view that was read last, as the page wrote it; empty until a page has given one.
+    const PageView& view() const { return view_; }
     const std::string& scaleLabel() const { return scaleLabel_; } // "12km ", "500m ", ".00m "
 
     // Selects the event of a marker's title ("2021-01-14 05:45:26.600 Mg: 3.1") in the table.
@@ -118,7 +127,6 @@ class PageBridge {
     void showCoordinates(std::string_view cursor);
     void takeSearchPlace(const PageSnapshot& page);
     void clearMessage(const PageSnapshot& page);
-    std::string latestHours(ProcedureTrace& trace); // empty when that failed and was ignored
 
     PageBrowsers browsers_;
     AppSettings& settings_;
@@ -131,10 +139,11 @@ class PageBridge {
     SavedMapEvents savedMapEvents_{*this};
 
     MapBounds bounds_{"-90", "-180", "90", "180"};
-    std::string zoom_;
+    PageView view_;
     std::string scaleLabel_;
     bool mainMapPending_ = false;
     bool lastEventMapPending_ = false;
+    bool mapLive_ = false;
     bool documentReady_ = false;
     bool answeringView_ = false;
     bool viewChangedAgain_ = false;

@@ -7,8 +7,7 @@
 
 namespace tremor {
 
-// The text of a page or style sheet while it grows. Every line ends
-// in CR LF.
+// The text of a page, a style sheet or a KML file while it grows. Every line ends in CR LF.
 class PageText {
   public:
     // As it stands, with line ends of its own.

@@ -2,6 +2,7 @@
 
 #include "core/qt_text.h"
 
+#include <QtCore/QEvent>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
@@ -9,6 +10,7 @@
 #include <QtCore/QJsonObject>
 #include <QtCore/QPointer>
 #include <QtGui/QDesktopServices>
+#include <QtGui/QImage>
 #include <QtWebChannel/QWebChannel>
 #include <QtWebEngineCore/QWebEngineNewWindowRequest>
 #include <QtWebEngineCore/QWebEnginePage>
@@ -16,6 +18,8 @@
 #include <QtWebEngineCore/QWebEngineSettings>
 #include <QtWidgets/QVBoxLayout>
 
+#include <cstddef>
+#include <span>
 #include <utility>
 
 namespace tremor {
@@ -85,6 +89,7 @@ QtWebBrowser::QtWebBrowser(QWidget& frame, MapSite& site, QtClock& clock,
     : site_(site), clock_(clock), report_(std::move(report)), limits_(limits), view_(&frame) {
     view_.setContextMenuPolicy(Qt::NoContextMenu);
     view_.setAcceptDrops(false);
+    view_.installEventFilter(this);
     auto* layout = new QVBoxLayout(&frame);
     layout->setContentsMargins({});
     layout->addWidget(&view_);
@@ -268,6 +273,31 @@ std::optional<PageSnapshot> QtWebBrowser::snapshot() {
     return page;
 }
 
+bool QtWebBrowser::eventFilter(QObject* watched, QEvent* event) {
+    const bool minimised = event->type() == QEvent::Hide && event->spontaneous();
+    return minimised || QObject::eventFilter(watched, event);
+}
+
+// The screen may have a higher density than the control's own pixels.
+std::optional<Picture> QtWebBrowser::picture() {
+    if (!view_.isVisible() || target_ == aboutBlank || gone_)
+        return std::nullopt;
+    QImage painted(view_.size(), QImage::Format_RGB32);
+    if (painted.isNull())
+        return std::nullopt;
+    painted.fill(Qt::white);
+    view_.render(&painted);
+    painted.convertTo(QImage::Format_RGB888);
+    Picture picture{painted.width(), painted.height(), {}};
+    const std::size_t row = std::size_t{3} * static_cast<std::size_t>(picture.width);
+    picture.rgb.reserve(row * static_cast<std::size_t>(picture.height));
+    for (int y = 0; y < picture.height; ++y) {
+        const std::span pixels(painted.constScanLine(y), row);
+        picture.rgb.insert(picture.rgb.end(), pixels.begin(), pixels.end());
+    }
+    return picture;
+}
+
 PageStatus QtWebBrowser::command(std::string_view element, Fire how, PageSnapshot* page) {
     if (waiting_)
         return PageStatus::Busy;
@@ -328,7 +358,7 @@ void QtWebBrowser::takeEvents(const QString& query, const QString& events) {
 }
 
 void QtWebBrowser::addEvents(const QJsonArray& events) {
-    for (const QJsonValue& value : events) {
+    for (const auto& value : events) {
         const QJsonObject event = value.toObject();
         const auto kind = text(event, "kind") == QLatin1String("move") ? PageEvent::Kind::Move
                                                                        : PageEvent::Kind::Click;

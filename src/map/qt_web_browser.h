@@ -58,8 +58,12 @@ class QtWebBrowser : public QObject, public WebBrowser {
                           std::string_view expected, std::string_view value) override;
     PageStatus fire(std::string_view element, Fire how) override;
     std::optional<PageSnapshot> snapshot() override;
+    std::optional<Picture> picture() override;
 
     QWebEngineView& view() { return view_; }
+
+    // Of the view: its page goes on painting in a minimised window, for the pictures.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
     static constexpr std::chrono::milliseconds answerTime{5000};
 

@@ -1,6 +1,7 @@
 #include "map/query_to_controls.h"
 
 #include "core/dates.h"
+#include "core/latest_hours.h"
 
 #include <string>
 
@@ -27,7 +28,7 @@ void QueryToControls::query2Controls() {
 
 void QueryToControls::showLatestHours(ProcedureTrace& trace) {
     steps_.removeAll();
-    const std::string range = latestHours(trace);
+    const std::string range = latestHours(trace, clock_, settings_, session_);
     steps_.FillGridEvents("", range, "");
     const std::string events = std::string(selectEvents) + range;
     steps_.eventsInMap(events);
@@ -39,23 +40,14 @@ void QueryToControls::showLatestHours(ProcedureTrace& trace) {
 void QueryToControls::showUpdatedCondition(ProcedureTrace& trace) {
     steps_.removeAll();
     if (settings_.searchParQuery.size() > utcRangeLength)
-        settings_.searchParQuery =
-            replaceTrailingUtcRange(settings_.searchParQuery, latestHours(trace));
+        settings_.searchParQuery = replaceTrailingUtcRange(
+            settings_.searchParQuery, latestHours(trace, clock_, settings_, session_));
     // A copy, because the table replaces a refused condition in the settings.
     const std::string condition = settings_.searchParQuery;
     steps_.FillGridEvents(condition, "", "");
     steps_.eventsInMap(std::string(selectEvents) + settings_.searchParQuery);
     steps_.clickEventi();
     steps_.pictureMagnitudeEvents();
-}
-
-std::string QueryToControls::latestHours(ProcedureTrace& trace) {
-    std::string range;
-    trace.step([&] {
-        range = BuildUtcRangeFilter(clock_.now(), settings_.RangeHoursOfEventsInMap, settings_,
-                                    session_);
-    });
-    return range;
 }
 
 } // namespace tremor

@@ -43,7 +43,6 @@ class QueryToControls {
   private:
     void showLatestHours(ProcedureTrace& trace);
     void showUpdatedCondition(ProcedureTrace& trace);
-    std::string latestHours(ProcedureTrace& trace); // empty when that failed and was ignored
 
     AppSettings& settings_;
     Session& session_;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "map/picture.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -97,6 +99,10 @@ class WebBrowser {
     // The answering elements as they are now, in one round trip; nothing when the page gave no
     // answer. Bounded in time. Inside a call of PageEvents use the snapshot given there.
     virtual std::optional<PageSnapshot> snapshot() = 0;
+
+    // The page as it is painted, also behind other windows, in pixels of the control; nothing
+    // when there is no page or its area is hidden.
+    virtual std::optional<Picture> picture() = 0;
 };
 
 // The browsers of the main window, under the names of their controls.

@@ -19,6 +19,7 @@ constexpr auto ownNames = std::to_array<std::string_view>({
     "SavingWrkS.html",
     "TremorLedger",
     "TremorLedger.html",
+    "TremorLedgerLive",
     "TremorLedgerLive.html",
     "TremorLedgerWEB.html",
     "default.css",

@@ -10,8 +10,6 @@
 #include <QtWidgets/QTabWidget>
 #include <QtWidgets/QVBoxLayout>
 
-#include <utility>
-
 namespace tremor {
 namespace {
 
@@ -48,6 +46,8 @@ FrmSetup::FrmSetup(SetupForm& form, QWidget* owner) : QDialog(owner), form_(form
     auto* CmdCancel = buttons->addButton(QDialogButtonBox::Cancel);
     CmdCancel->setObjectName(QStringLiteral("CmdCancel"));
     CmdCancel->setText(tr("Cancel"));
+    for (QPushButton* button : {CmdOk, CmdCancel})
+        button->setIcon({}); // as in the program's other windows
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(pages);
     layout->addWidget(buttons);

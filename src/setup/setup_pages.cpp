@@ -1,5 +1,7 @@
 #include "setup/setup_pages.h"
 
+#include "core/named_widget.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtWidgets/QButtonGroup>
 #include <QtWidgets/QCheckBox>
@@ -14,26 +16,25 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include <string>
-#include <utility>
 
 namespace tremor {
 namespace {
 
 constexpr int numberWidth = 72; // pixels; five digits at every usual font
+constexpr int spacing = 12;     // pixels, between the controls of a row
 
 QString tr(const char* text) {
     return QCoreApplication::translate("FrmSetup", text);
 }
 
-template <class Widget, class... Arguments>
-Widget* named(const char* objectName, Arguments&&... arguments) {
-    auto* widget = new Widget(std::forward<Arguments>(arguments)...);
-    widget->setObjectName(QLatin1StringView(objectName));
-    return widget;
-}
-
 QGroupBox* frame(const char* objectName, const char* caption) {
     return named<QGroupBox>(objectName, tr(caption));
+}
+
+QGridLayout* gridIn(QWidget* owner) {
+    auto* grid = new QGridLayout(owner);
+    grid->setHorizontalSpacing(spacing);
+    return grid;
 }
 
 QLineEdit* numberBox(const char* objectName) {
@@ -68,7 +69,7 @@ void addField(QGridLayout* grid, int row, int column, const char* caption, QWidg
 
 QHBoxLayout* inARow(std::initializer_list<QWidget*> widgets) {
     auto* row = new QHBoxLayout;
-    row->setSpacing(12);
+    row->setSpacing(spacing);
     for (QWidget* widget : widgets)
         row->addWidget(widget);
     row->addStretch(1);
@@ -95,7 +96,7 @@ QWidget* makeLocalSource(SetupControls& c) {
     c.TxtLocalSourcePath = named<QLineEdit>("TxtLocalSourcePath");
     c.cmdPathSeismoscompServer = browseButton("cmdPathSeismoscompServer", "Choose the folder");
     c.TxtLocalPollEvery = numberBox("TxtLocalPollEvery");
-    auto* grid = new QGridLayout(c.Frame6);
+    QGridLayout* grid = gridIn(c.Frame6);
     grid->setColumnStretch(1, 1);
     grid->addWidget(c.ChkUseLocalSource, 0, 0);
     grid->addLayout(inARow({c.opt_liveloc, c.opt_seiscomp}), 0, 1, 1, 2);
@@ -132,7 +133,7 @@ QWidget* makePrimarySource(SetupControls& c) {
     c.TxtPrimarySourcePassword = passwordBox("TxtPrimarySourcePassword");
     c.TxtPrimaryPollEvery = numberBox("TxtPrimaryPollEvery");
     c.TxtPrimaryLastNHours = numberBox("TxtPrimaryLastNHours");
-    auto* grid = new QGridLayout(c.Frame7);
+    QGridLayout* grid = gridIn(c.Frame7);
     grid->addWidget(c.ChkUsePrimaryRemoteSource, 0, 0, 1, 2);
     grid->addLayout(inARow({c.opt_Ingv, c.opt_Iside}), 0, 2, 1, 2);
     addRemoteFields(grid, 1, c.TxtPrimaryDataSource, c.TxtPrimarySourceUsername,
@@ -154,7 +155,7 @@ QWidget* makeAlternateSource(SetupControls& c) {
     c.TxtAlternateSourcePassword = passwordBox("TxtAlternateSourcePassword");
     c.TxtAlternatePollEvery = numberBox("TxtAlternatePollEvery");
     c.TxtAlternateLastNHours = numberBox("TxtAlternateLastNHours");
-    auto* grid = new QGridLayout(c.alternateArea);
+    QGridLayout* grid = gridIn(c.alternateArea);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->addLayout(inARow({c.opt_EMSC, c.opt_USGS, c.Option1}), 0, 0, 1, 4);
     addRemoteFields(grid, 1, c.TxtAlternateDataSource, c.TxtAlternateSourceUsername,
@@ -175,6 +176,7 @@ QWidget* makeEventsReported(SetupControls& c) {
     c.TxtRefreshMapHours = numberBox("TxtRefreshMapHours");
     auto* hours = withUnit(c.TxtRefreshMapHours, "hours of events on map and table");
     auto* row = new QHBoxLayout(Frame2);
+    row->setSpacing(2 * spacing);
     row->addLayout(inARow({c.optAll, c.optAl, c.optPr}));
     row->addLayout(hours);
     return Frame2;
@@ -213,7 +215,7 @@ QWidget* makeMapPage(SetupControls& c) {
     c.cmdBrowseDBStationKit = browseButton("cmdBrowseDBStationKit", "Choose the station database");
 
     auto* pins = new QGroupBox(tr("Markers"));
-    auto* grid = new QGridLayout(pins);
+    QGridLayout* grid = gridIn(pins);
     grid->setColumnStretch(1, 1);
     addField(grid, 0, 0, "Shape", c.cmb_shape);
     grid->addWidget(new QLabel(tr("Size and colour")), 1, 0);
@@ -226,13 +228,13 @@ QWidget* makeMapPage(SetupControls& c) {
     grid->addWidget(c.cmdBrowseGif, 4, 2);
 
     auto* views = new QGroupBox(tr("Zoom levels"));
-    auto* zoom = new QGridLayout(views);
+    QGridLayout* zoom = gridIn(views);
     zoom->setColumnStretch(4, 1);
     addField(zoom, 0, 0, "Map", c.TxtDefaultZoomLevel);
     addField(zoom, 0, 2, "Map of the last event", c.TxtLastEventMapZoomLevel);
 
     auto* stations = new QGroupBox(tr("Stations"));
-    auto* rows = new QGridLayout(stations);
+    QGridLayout* rows = gridIn(stations);
     rows->setColumnStretch(1, 1);
     rows->addWidget(c.chk_NetStat, 0, 0, 1, 3);
     addField(rows, 1, 0, "Station database", c.txtPathDbOfStationKit);
@@ -248,13 +250,15 @@ QWidget* makeMapPage(SetupControls& c) {
 
 QWidget* makeAlertPage(SetupControls& c) {
     auto* Frame4 = named<QWidget>("Frame4");
-    auto* grid = new QGridLayout;
+    QGridLayout* grid = gridIn(nullptr);
     grid->setColumnStretch(3, 1);
     grid->addWidget(new QLabel(tr("Magnitude from")), 0, 1);
     grid->addWidget(new QLabel(tr("Sound")), 0, 3);
     for (int level = 0; level < 4; ++level) {
         const auto index = static_cast<std::size_t>(level);
-        const auto name = [level](std::string base) { return base + '_' + std::to_string(level); };
+        const auto name = [level](const std::string& base) {
+            return base + '_' + std::to_string(level);
+        };
         c.TxtMagLev[index] = numberBox(name("TxtMagLev").c_str());
         c.TxtMagLevSound[index] = named<QLineEdit>(name("TxtMagLevSound").c_str());
         c.cmdBrowseSound[index] = browseButton(name("cmdBrowseSound").c_str(), "Choose the sound");

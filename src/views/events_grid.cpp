@@ -2,7 +2,7 @@
 
 #include "core/common_text.h"
 #include "core/conversions.h"
-#include "core/dates.h"
+#include "core/latest_hours.h"
 
 #include <algorithm>
 #include <array>
@@ -74,12 +74,8 @@ bool EventsGrid::queryRefused() const {
 std::string EventsGrid::conditionOfVisibleRectangle(ProcedureTrace& trace) {
     map_.removeAll();
     const MapBounds bounds = map_.boundsVisualizedMap();
-    std::string range;
-    trace.step([&] {
-        range = BuildUtcRangeFilter(clock_.now(), settings_.RangeHoursOfEventsInMap, settings_,
-                                    session_);
-    });
-    return rectangleCondition(bounds, locale_) + " AND " + range;
+    return rectangleCondition(bounds, locale_) + " AND " +
+           latestHours(trace, clock_, settings_, session_);
 }
 
 void EventsGrid::showResult() {

@@ -48,11 +48,6 @@ QDate dayOf(DateTime date) {
             static_cast<int>(static_cast<unsigned>(day.day()))};
 }
 
-// A date picker refuses what lies outside its calendar.
-RuntimeError invalidPropertyValue() {
-    return {static_cast<ErrorNumber>(380), "Invalid property value"};
-}
-
 } // namespace
 
 frmSearch::frmSearch(const SearchContext& context, SearchFilter& filter,
@@ -165,8 +160,8 @@ std::string_view frmSearch::resetTextOf(const QLineEdit* box) const {
 // As if picked, also when the picker shows that day already.
 void frmSearch::setDay(QDateEdit* picker, DateTime date) {
     const QDate day = dayOf(date);
-    if (day < picker->minimumDate() || day > picker->maximumDate())
-        throw invalidPropertyValue();
+    if (day < picker->minimumDate() || day > picker->maximumDate()) // outside its calendar
+        throw RuntimeError(ErrorNumber::InvalidPropertyValue);
     picker->setDate(day);
     widgets_.chk_RangeDateEvents->setChecked(true);
 }
@@ -178,7 +173,7 @@ void frmSearch::initializeTxt() {
     trace.step([&] {
         // The day alone is set back: the month stays that of today.
         if (static_cast<unsigned>(std::chrono::year_month_day(today).day()) <= daysBefore)
-            throw invalidPropertyValue();
+            throw RuntimeError(ErrorNumber::InvalidPropertyValue);
         setDay(widgets_.DTStart, today - std::chrono::days(daysBefore));
     });
     trace.step([&] {

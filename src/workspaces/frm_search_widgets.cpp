@@ -1,5 +1,8 @@
 #include "workspaces/frm_search_widgets.h"
 
+#include "core/foot_row.h"
+#include "core/named_widget.h"
+
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QComboBox>
 #include <QtWidgets/QDateEdit>
@@ -20,12 +23,6 @@ namespace {
 
 constexpr int spacing = 12;   // pixels, between the frames
 constexpr int boxLetters = 9; // "-179.99999" fits
-
-template <class Widget>
-Widget* named(Widget* widget, const char* name) {
-    widget->setObjectName(QLatin1StringView(name));
-    return widget;
-}
 
 QPushButton* makeButton(const char* name, const QString& caption, QWidget* parent) {
     auto* button = named(new QPushButton(caption, parent), name);
@@ -53,16 +50,12 @@ SearchWidgets::SearchWidgets(QWidget& window) : window_(window) {
 
     cmd_query = makeButton("cmd_query", QStringLiteral("&Search"), &window_);
     CmdCancel = makeButton("CmdCancel", QStringLiteral("&Cancel"), &window_);
-    auto* foot = new QHBoxLayout;
-    foot->addStretch(1);
-    foot->addWidget(cmd_query);
-    foot->addWidget(CmdCancel);
 
     auto* all = new QVBoxLayout(&window_);
     all->setContentsMargins(spacing, spacing, spacing, spacing);
     all->setSpacing(spacing);
     all->addLayout(columns, 1);
-    all->addLayout(foot);
+    all->addLayout(footRow({cmd_query, CmdCancel}));
 }
 
 QWidget* SearchWidgets::makeSavedSearches() {

@@ -1,12 +1,12 @@
 #pragma once
 
 #include "core/error_report.h"
-#include "core/map_bounds.h"
 #include "core/number_locale.h"
 #include "core/ports.h"
 #include "core/session.h"
 #include "core/settings.h"
 #include "database/database.h"
+#include "workspaces/map_view.h"
 
 #include <optional>
 #include <string>
@@ -42,14 +42,6 @@ struct SearchParameters {
     std::string depthMax;
     bool saveWrkSpace = false;
     std::string workspaceName;
-};
-
-// The view of the workspace map, as the page wrote it.
-struct MapView {
-    MapBounds bounds;
-    std::string centreLatitude;
-    std::string centreLongitude;
-    std::string zoom;
 };
 
 // What a search asks of the main window.

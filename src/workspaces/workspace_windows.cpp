@@ -1,6 +1,6 @@
 #include "workspaces/workspace_windows.h"
 
-#include "core/dates.h"
+#include "core/latest_hours.h"
 
 #include <algorithm>
 #include <chrono>
@@ -100,12 +100,9 @@ void WorkspaceWindows::startWRKspace() {
 // The old markers are taken off first: events that have left the time range would stay for ever.
 void WorkspaceWindows::draw(const OpenWorkspaces& workspaces) {
     ProcedureTrace trace(environment_.errors, module, "startWRKspace");
-    std::string range;
-    if (!trace.step([&] {
-            range = BuildUtcRangeFilter(environment_.clock.now(),
-                                        environment_.settings.RangeHoursOfEventsInMap,
-                                        environment_.settings, environment_.session);
-        }))
+    const std::string range =
+        latestHours(trace, environment_.clock, environment_.settings, environment_.session);
+    if (range.empty())
         return;
     for (const auto& workspace : workspaces) {
         // Asked for before each call: the one before may have seen the window closed.

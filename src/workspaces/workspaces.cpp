@@ -2,7 +2,7 @@
 
 #include "core/common_text.h"
 #include "core/database_name.h"
-#include "core/dates.h"
+#include "core/latest_hours.h"
 #include "workspaces/pasted_statement.h"
 
 #include <fmt/format.h>
@@ -17,9 +17,18 @@ namespace {
 constexpr std::string_view module = "Form - panel";
 constexpr std::string_view selectEvents = "select * from Events where ";
 constexpr std::string_view newestOnly = " order by UTC desc limit 1";
-constexpr std::string_view notSaved = "The workspace was not saved";
 constexpr std::chrono::milliseconds waitTurn{10};
 constexpr std::chrono::minutes longestLoad{1};
+
+// The values are those of a WorkspaceRow, in its order.
+constexpr std::string_view insertStatement =
+    "Insert INTO Workspace(Name, Latitude, Longitude, Zoom, BLat, BLng, TLat,TLng, MagMin, MagMax, "
+    "DepthMin, DepthMax) Values('{0}' , '{1}' , '{2}' , '{3}' , '{4}' , '{5}' , '{6}' , '{7}', "
+    "'{8}','{9}','{10}','{11}')";
+constexpr std::string_view updateStatement =
+    "update Workspace SET Latitude = '{1}', Longitude = '{2}', Zoom = '{3}', BLat = '{4}', BLng = "
+    "'{5}', TLat = '{6}', TLng = '{7}', MagMin = '{8}', MagMax = '{9}', DepthMin = '{10}', "
+    "DepthMax = '{11}'  where Name = '{0}'";
 
 } // namespace
 
@@ -92,7 +101,8 @@ void Workspaces::showFreeMap(ProcedureTrace& trace) {
     settings.searchParQuery =
         fmt::format("(Latitude >= {}) and (Latitude <= {}) AND (Longitude >= {}) and (Longitude <= "
                     "{}) AND {}",
-                    bounds.south, bounds.north, bounds.west, bounds.east, latestHours(trace));
+                    bounds.south, bounds.north, bounds.west, bounds.east,
+                    latestHours(trace, context_.clock, settings, context_.session));
     // A copy, because the table replaces a refused condition in the settings.
     const std::string condition = settings.searchParQuery;
     trace.step([&] { surroundings_.FillGridEvents(condition, {}, {}); });
@@ -127,7 +137,7 @@ void Workspaces::showWorkspace(const WorkspaceRow& workspace, ProcedureTrace& tr
     AppSettings& settings = context_.settings;
     writeView(map_, workspace);
     map_.onclick("removeAll");
-    const std::string range = latestHours(trace);
+    const std::string range = latestHours(trace, context_.clock, settings, context_.session);
     std::string events(selectEvents);
     if (workspace.BLat.empty()) {
         settings.searchParQuery.clear(); // as on the free map: new events follow the latest hours
@@ -144,15 +154,6 @@ void Workspaces::showWorkspace(const WorkspaceRow& workspace, ProcedureTrace& tr
     map_.click("eventi");
     map_.click("Workspace");
     trace.step([&] { surroundings_.pin2gif(events + std::string(newestOnly)); });
-}
-
-std::string Workspaces::latestHours(ProcedureTrace& trace) {
-    std::string range;
-    trace.step([&] {
-        range = BuildUtcRangeFilter(context_.clock.now(), context_.settings.RangeHoursOfEventsInMap,
-                                    context_.settings, context_.session);
-    });
-    return range;
 }
 
 void Workspaces::cmd_SaveArea_Click() {
@@ -205,39 +206,22 @@ void Workspaces::saveNewWorkspaceOnDB(std::string_view name) {
 void Workspaces::store(const WorkspaceRow& workspace) {
     const bool exists = selectByName("Name", workspace.Name) && context_.database.slsGetRow();
     if (!exists)
-        insert(workspace);
+        write(workspace, insertStatement);
     else if (context_.prompts.showMessageBox({.text =
                                                   "This name of Workspace is already in use.\r\n"
                                                   "Do you want overwrite the Workspace?",
                                               .icon = BoxIcon::None,
                                               .buttons = BoxButtons::YesNo}) == BoxAnswer::Yes)
-        overwrite(workspace);
+        write(workspace, updateStatement);
 }
 
-void Workspaces::insert(const WorkspaceRow& w) {
-    runPasted(
-        context_.database, context_.log,
-        fmt::format("Insert INTO Workspace(Name, Latitude, Longitude, Zoom, BLat, BLng, TLat,TLng, "
-                    "MagMin, MagMax, DepthMin, DepthMax) Values('{}' , '{}' , '{}' , '{}' , '{}' , "
-                    "'{}' , '{}' , '{}', '{}','{}','{}','{}')",
-                    w.Name, w.Latitude, w.Longitude, w.Zoom, w.BLat, w.BLng, w.TLat, w.TLng,
-                    w.MagMin, w.MagMax, w.DepthMin, w.DepthMax),
-        {w.Name, w.Latitude, w.Longitude, w.Zoom, w.BLat, w.BLng, w.TLat, w.TLng, w.MagMin,
-         w.MagMax, w.DepthMin, w.DepthMax},
-        notSaved);
-}
-
-void Workspaces::overwrite(const WorkspaceRow& w) {
-    runPasted(
-        context_.database, context_.log,
-        fmt::format("update Workspace SET Latitude = '{}', Longitude = '{}', Zoom = '{}', BLat = "
-                    "'{}', BLng = '{}', TLat = '{}', TLng = '{}', MagMin = '{}', MagMax = '{}', "
-                    "DepthMin = '{}', DepthMax = '{}'  where Name = '{}'",
-                    w.Latitude, w.Longitude, w.Zoom, w.BLat, w.BLng, w.TLat, w.TLng, w.MagMin,
-                    w.MagMax, w.DepthMin, w.DepthMax, w.Name),
-        {w.Latitude, w.Longitude, w.Zoom, w.BLat, w.BLng, w.TLat, w.TLng, w.MagMin, w.MagMax,
-         w.DepthMin, w.DepthMax, w.Name},
-        notSaved);
+void Workspaces::write(const WorkspaceRow& w, std::string_view statement) {
+    runPasted(context_.database, context_.log,
+              fmt::format(fmt::runtime(statement), w.Name, w.Latitude, w.Longitude, w.Zoom, w.BLat,
+                          w.BLng, w.TLat, w.TLng, w.MagMin, w.MagMax, w.DepthMin, w.DepthMax),
+              {w.Name, w.Latitude, w.Longitude, w.Zoom, w.BLat, w.BLng, w.TLat, w.TLng, w.MagMin,
+               w.MagMax, w.DepthMin, w.DepthMax},
+              "The workspace was not saved");
 }
 
 // Columns of the workspace of a name. False when the query failed, which the log tells.

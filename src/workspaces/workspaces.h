@@ -7,7 +7,7 @@
 #include "core/settings.h"
 #include "database/database.h"
 #include "workspaces/map_elements.h"
-#include "workspaces/search_surroundings.h"
+#include "workspaces/map_view.h"
 #include "workspaces/workspace_row.h"
 
 #include <cstddef>
@@ -108,13 +108,10 @@ class Workspaces {
     bool fillCombo();
     void showFreeMap(ProcedureTrace& trace);
     void showWorkspace(const WorkspaceRow& workspace, ProcedureTrace& trace);
-    void showOnMap(ProcedureTrace& trace, std::string_view eventsSql);
     bool waitForMap();
-    std::string latestHours(ProcedureTrace& trace); // empty when that failed and was ignored
     bool selectByName(std::string_view columns, std::string_view name);
     void store(const WorkspaceRow& workspace);
-    void insert(const WorkspaceRow& workspace);
-    void overwrite(const WorkspaceRow& workspace);
+    void write(const WorkspaceRow& workspace, std::string_view statement);
 
     WorkspaceContext context_;
     MapElements& map_;

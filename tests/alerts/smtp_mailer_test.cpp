@@ -143,6 +143,16 @@ TEST_F(SmtpServerTest, LetsWindowMessagesRunMeanwhile) {
     EXPECT_GT(clock.pumps, 3);
 }
 
+// A poll inside the sending, which may wait for minutes, would use up its time.
+TEST_F(SmtpServerTest, HoldsTicksMeanwhile) {
+    int free = 0;
+    clock.onPump = [&] { free += session.TicksHeld ? 0 : 1; };
+    EXPECT_EQ(send(server), "");
+    EXPECT_GT(clock.pumps, 3);
+    EXPECT_EQ(free, 0);
+    EXPECT_FALSE(session.TicksHeld);
+}
+
 TEST_F(SmtpServerTest, EndsWhenTheProgramCloses) {
     server.setFaults("mail hang");
     clock.onPump = [this] { session.Closing = clock.pumps > 20; };

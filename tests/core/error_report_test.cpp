@@ -60,6 +60,7 @@ TEST(ErrorDescription, GivesTheEnglishWordsOfEachNumber) {
     EXPECT_EQ(errorDescription(ErrorNumber::PathNotFound), "Path not found");
     EXPECT_EQ(errorDescription(ErrorNumber::ObjectNotSet),
               "Object variable or With block variable not set");
+    EXPECT_EQ(errorDescription(ErrorNumber::InvalidPropertyValue), "Invalid property value");
 }
 
 TEST(RuntimeError, TakesTheDescriptionOfItsNumberUnlessOneIsGiven) {

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstddef>
@@ -280,10 +281,49 @@ TEST_F(Files, KeepTheirOldTextWhenWritingBreaksOff) {
 }
 
 TEST_F(Files, AreWrittenOverTheRemainsOfACrash) {
-    put(folder_.file(fmt::format(".tremorledger-{}.tmp", ::getpid())), "remains");
+    const std::string name = fs::path(path_).filename().string();
+    put(folder_.file(fmt::format(".{}-{}.tmp", name, ::getpid())), "remains");
     writeFileAtomically(path_, "new", false);
     EXPECT_EQ(readWholeFile(path_), "new");
     EXPECT_EQ(entriesIn(folder_.path()), 1);
+}
+
+TEST_F(Files, LeaveNoRemainsOfProcessesThatWereKilled) {
+    const pid_t gone = ::fork();
+    if (gone == 0)
+        ::_exit(0);
+    ASSERT_EQ(::waitpid(gone, nullptr, 0), gone);
+    const std::string start = "." + fs::path(path_).filename().string() + "-";
+    const std::string abandoned = folder_.file(fmt::format("{}{}.tmp", start, gone));
+    put(abandoned, "half");
+    const std::vector<std::string> others{
+        folder_.file(fmt::format("{}{}.tmp", start, ::getppid())), // another program writes it
+        folder_.file(fmt::format(".another-{}.tmp", gone)), folder_.file(start + ".tmp"),
+        folder_.file(start + "1x.tmp")};
+    for (const std::string& other : others)
+        put(other, "stays");
+    writeFileAtomically(path_, "new", false);
+    EXPECT_EQ(readWholeFile(path_), "new");
+    EXPECT_FALSE(FileExists(abandoned));
+    for (const std::string& other : others)
+        EXPECT_TRUE(FileExists(other)) << other;
+}
+
+TEST_F(Files, OfOneFolderCanBeWrittenAtTheSameTime) {
+    const std::string other = folder_.file("other.txt");
+    AtomicFile file(path_, false);
+    file.append("outer");
+    writeFileAtomically(other, "inner", false);
+    file.commit();
+    EXPECT_EQ(readWholeFile(path_), "outer");
+    EXPECT_EQ(readWholeFile(other), "inner");
+    EXPECT_EQ(entriesIn(folder_.path()), 2);
+}
+
+TEST_F(Files, WithTheLongestNamesAreWritten) {
+    const std::string path = folder_.file(std::string(NAME_MAX, 'n'));
+    writeFileAtomically(path, "x", false);
+    EXPECT_EQ(readWholeFile(path), "x");
 }
 
 TEST_F(Files, WrittenPieceByPieceStandWhenTheyAreComplete) {

@@ -76,6 +76,19 @@ class CompletingBrowser : public RecordingWebBrowser {
     QObject context_; // ends the timers with the page
 };
 
+// A web site that is not there: its pages never complete.
+class NoSite : public SiteBrowser {
+  public:
+    void Navigate(std::string_view) override {}
+    std::int32_t ReadyState() const override { return 1; }
+    std::string LocationURL() const override { return {}; }
+    void setSilent() override {}
+    bool hasElement(std::string_view) override { return false; }
+    void setValue(std::string_view, std::string_view) override {}
+    void click(std::string_view) override {}
+    HttpCookies cookies() const override { return {}; }
+};
+
 // Gives the window such pages, by the object names of their frames.
 class RecordingBrowsers : public BrowserMaker {
   public:
@@ -84,6 +97,7 @@ class RecordingBrowsers : public BrowserMaker {
         made[frame.objectName().toStdString()] = browser.get();
         return browser;
     }
+    std::unique_ptr<SiteBrowser> makeSiteBrowser() override { return std::make_unique<NoSite>(); }
     RecordingWebBrowser& of(const std::string& frame) { return *made.at(frame); }
 
   private:

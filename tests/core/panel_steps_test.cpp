@@ -1,12 +1,20 @@
+#include "core/files.h"
 #include "core/panel_harness.h"
 #include "core/panel_steps.h"
 
 #include <QtGui/QAction>
+#include <QtGui/QImage>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QListWidget>
 #include <QtWidgets/QMainWindow>
 #include <QtWidgets/QProgressBar>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
 
 namespace tremor::testing {
 namespace {
@@ -101,6 +109,55 @@ TEST(PanelSteps, KnowsAMapPageFromItsWritingOnUntilTheMapsAreSwitchedOff) {
     EXPECT_FALSE(steps.mapPageLoaded());
 }
 
+// A page of two colours.
+Picture paintedPage() {
+    Picture picture{120, 20, std::vector<std::uint8_t>(std::size_t{3} * 120 * 20, 255)};
+    std::fill_n(picture.rgb.begin(), 3 * 120 * 10, std::uint8_t{0});
+    return picture;
+}
+
+TEST(PanelSteps, KeepsPicturesOfTheMapsInTheFolderHistory) {
+    PanelHarness harness;
+    PanelSteps& steps = harness.start(2).components().steps;
+    const auto history = [&](const char* name) { return harness.folder.file("History/") + name; };
+    const auto size = [&](const char* name) {
+        return QImage(QString::fromStdString(history(name)), "JPEG").size();
+    };
+    harness.browsers.of("WebBrowser1").painted = paintedPage();
+    harness.browsers.of("wbr_last").painted = paintedPage();
+    QListWidget& towns = harness.control<QListWidget>("List1");
+    towns.clear();
+    towns.addItem(QStringLiteral("Forl\u00EC = Km 3.27"));
+
+    steps.mapsInJPGLastEvent();
+    EXPECT_EQ(size("tmplastEvent.jpg"), QSize(120 - 19, 20));
+    EXPECT_EQ(readWholeFile(history("lastEvents.txt")),
+              "UTC: 2014-03-07 00:01:00.000 | LATLNG(42.7,13.2) | Mg. 2.5 | Depth. 10.0\r\n\r\n"
+              "Forl\xC3\xAC = Km 3.27\r\n\r\n");
+
+    steps.mapsInJPGWorkspace();
+    EXPECT_FALSE(FileExists(history("current.jpg")));
+    steps.TimerCheckScreenshot_Timer();
+    EXPECT_FALSE(FileExists(history("tmpcurrent.sr")));
+    EXPECT_EQ(size("current.jpg"), QSize(120 - 19, 20));
+}
+
+TEST(PanelSteps, DrawsTheMarkersOfAReloadedMapAtTheNextTurnOfTheTimer) {
+    PanelHarness harness;
+    PanelSteps& steps = harness.start(2).components().steps;
+    harness.window().components().settings.searchParQuery.clear();
+    harness.window().components().settings.RangeHoursOfEventsInMap = 24 * 365 * 100;
+    RecordingWebBrowser& map = harness.browsers.of("WebBrowser1");
+    const auto drawn = [&] { return std::ranges::count(map.calls, "eventi.Onclick"); };
+    map.calls.clear();
+    steps.TimerCheckScreenshot_Timer();
+    EXPECT_EQ(drawn(), 1);
+    // The picture of the newest event comes back also without a condition in force.
+    EXPECT_EQ(std::ranges::count(map.calls, "UltimoEvento.Click"), 1);
+    steps.TimerCheckScreenshot_Timer();
+    EXPECT_EQ(drawn(), 1);
+}
+
 TEST(PanelSteps, MovesTheSnapshotPageUpByTheHeightAndAsideByTheWidth) {
     PanelHarness harness;
     panel& window = harness.make();
@@ -123,6 +180,16 @@ TEST(PanelSteps, RefreshesTheViewsAfterAPollAndReportsANewEventOnce) {
     EXPECT_TRUE(window.components().steps.thereIsNewEv());
     EXPECT_EQ(harness.control<GridEvents>("GridEvents").rowCount(), 5);
     EXPECT_FALSE(window.components().steps.thereIsNewEv());
+}
+
+TEST(PanelSteps, VisitTheIsideSiteInTheHiddenBrowser) {
+    PanelHarness harness;
+    harness.start(1);
+    harness.window().components().steps.downloadCsvFromIside();
+    EXPECT_EQ(harness.log().back(), "ISIDE Synchronization failed"); // nobody is there
+    EXPECT_EQ(harness.control<QLabel>("lbl_log_bkg").text(),
+              QStringLiteral("Syncing from ISIDE..."));
+    EXPECT_FALSE(harness.session.PrimaryBusy);
 }
 
 } // namespace

@@ -633,6 +633,40 @@ TEST(PanelEnd, KeepsAnEmptyLastEventEmpty) {
     EXPECT_NE(harness.settingsFile().find("LastEvent=\r\n"), std::string::npos);
 }
 
+const PageView viewOfThePage = {.CLAT = "42.75",
+                                .CLNG = "-13.5",
+                                .ZOOM = "7",
+                                .BLAT = "40",
+                                .BLNG = "-15",
+                                .TLAT = "45",
+                                .TLNG = "-12",
+                                .SCALE = "900"};
+
+TEST(PanelEnd, StoresTheViewOfTheMap) {
+    PanelHarness harness;
+    panel& window = harness.start(0);
+    RecordingWebBrowser& map = harness.browsers.of("WebBrowser1");
+    map.page->selection = viewOfThePage;
+    map.page->VALORE = "3";
+    map.listener->documentClicked(*map.page);
+    window.close();
+    const std::string file = harness.settingsFile();
+    EXPECT_NE(file.find("CenterLatitude=42.75\r\n"), std::string::npos) << file;
+    EXPECT_NE(file.find("CenterLongitude=-13.5\r\n"), std::string::npos) << file;
+    EXPECT_NE(file.find("Zoom=7\r\n"), std::string::npos) << file;
+}
+
+TEST(PanelEnd, KeepsTheStoredViewWithoutAPage) {
+    PanelHarness harness;
+    panel& window = harness.start(0);
+    harness.browsers.of("WebBrowser1").page->selection = viewOfThePage;
+    window.components().map.bridge().boundsVisualizedMap();
+    window.components().map.leaveMaps();
+    window.close();
+    EXPECT_NE(harness.settingsFile().find("CenterLatitude=41\r\n"), std::string::npos);
+    EXPECT_NE(harness.settingsFile().find("Zoom=5\r\n"), std::string::npos);
+}
+
 TEST(PanelEnd, IsRefusedWhileTheWindowIsDisabled) {
     PanelHarness harness;
     panel& window = harness.start(0);

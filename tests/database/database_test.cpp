@@ -349,14 +349,6 @@ TEST_F(EventsTest, CountsTheRowsThatTheLastStatementChanged) {
     EXPECT_EQ(database.changes(), 2);
 }
 
-TEST_F(EventsTest, TellsStatementsThatOnlyReadFromThoseThatWrite) {
-    EXPECT_TRUE(database.isReadOnly("select * from Events where Depth >= '5'"));
-    for (const auto* sql : {"delete from Events", "select 1; delete from Events", "nonsense", "",
-                            "insert into Events (UTC) values ('x') returning UTC"})
-        EXPECT_FALSE(database.isReadOnly(sql)) << sql;
-    EXPECT_EQ(count(), "0");
-}
-
 TEST_F(EventsTest, OpensAFileForReadingOnly) {
     insert("1");
     Database reader;

@@ -353,6 +353,90 @@ TEST_F(HttpTransferTest, RefusesTlsWhenTheAdditionalAuthorityCannotBeRead) {
     EXPECT_EQ(events.calls, Calls{cannotOpen});
 }
 
+// The "Cookie" fields of the requests that a server has had, in their order.
+Calls cookiesOf(const LoopbackServer& server) {
+    Calls fields;
+    for (const LoopbackRequest& request : server.requests())
+        fields.push_back(request.header("Cookie"));
+    return fields;
+}
+
+TEST_F(HttpTransferTest, SendsTheCookiesOfHostAndPathAndNoOthers) {
+    const LoopbackServer server(serving(200, "ok"));
+    cookies = {{.name = "session", .value = "a=b c", .domain = "127.0.0.1", .path = "/iside"},
+               {.name = "all", .value = "", .domain = "127.0.0.1"},
+               {.name = "other", .value = "1", .domain = "example.org"},
+               {.name = "nobody", .value = "1", .domain = ""}};
+    download(server.url("/iside/download?x=1"));
+    download(server.url("/isides"));
+    download(server.url("/"));
+    download(server.url("/", "localhost"));
+    EXPECT_EQ(cookiesOf(server), (Calls{"session=a=b c; all=", "all=", "all=", ""}));
+}
+
+TEST_F(HttpTransferTest, SendsACookieOfSubdomainsBelowItsDomainOnly) {
+    const LoopbackServer server(serving(200, "ok"));
+    cookies = {{.name = "wide", .value = "1", .domain = "a.localhost", .ofSubdomains = true},
+               {.name = "own", .value = "1", .domain = "a.localhost"}};
+    for (const char* host : {"a.localhost", "b.a.localhost", "ba.localhost"})
+        download(server.url("/", host));
+    EXPECT_EQ(cookiesOf(server), (Calls{"wide=1; own=1", "wide=1", ""}));
+}
+
+TEST_F(HttpTransferTest, SendsNoCookieThatIsOverOrForTlsAlone) {
+    const LoopbackServer server(serving(200, "ok"));
+    const std::string host = "a.localhost"; // curl takes "localhost" itself for as good as TLS
+    cookies = {{.name = "over", .value = "1", .domain = host, .expires = 1000000000},
+               {.name = "tls", .value = "1", .domain = host, .secure = true},
+               {.name = "later", .value = "1", .domain = host, .expires = 32503680000}};
+    download(server.url("/", host));
+    EXPECT_EQ(cookiesOf(server), Calls{"later=1"});
+}
+
+TEST_F(HttpTransferTest, TakesNoCookieAlongToAnotherHost) {
+    const LoopbackServer server([](const LoopbackRequest& request) {
+        const std::string host = request.header("Host");
+        const std::string port = host.substr(host.rfind(':'));
+        const std::string next = request.target == "/start" ? "http://a.localhost" + port + "/own"
+                                 : request.target == "/own" ? "http://b.localhost" + port + "/end"
+                                                            : "";
+        return next.empty() ? LoopbackAnswer{200, "the end"}
+                            : LoopbackAnswer{302, "", {{"Location", next}}};
+    });
+    cookies = {{.name = "session", .value = "1", .domain = "a.localhost"}};
+    download(server.url("/start", "a.localhost"));
+    EXPECT_EQ(events.last(), "completed");
+    EXPECT_EQ(cookiesOf(server), (Calls{"session=1", "session=1", ""}));
+}
+
+TEST_F(HttpTransferTest, DropsACookieThatWouldBecomeAnotherOneOrAHeader) {
+    const LoopbackServer server(serving(200, "ok"));
+    const std::string host = "127.0.0.1";
+    cookies = {{.name = "a", .value = "1\r\nX-Evil: 1", .domain = host},
+               {.name = "b\t", .value = "1", .domain = host},
+               {.name = "c",
+                .value = std::string("1\0"
+                                     "2",
+                                     3),
+                .domain = host},
+               {.name = "d", .value = "1", .domain = host, .path = "/\n"},
+               {.name = "good", .value = "1", .domain = host}};
+    download(server.url("/"));
+    EXPECT_EQ(cookiesOf(server), Calls{"good=1"});
+    EXPECT_EQ(server.requests().front().header("X-Evil"), "");
+}
+
+TEST_F(HttpTransferTest, ForgetsTheCookiesOfATransferWithIt) {
+    const LoopbackServer server([](const LoopbackRequest&) {
+        return LoopbackAnswer{200, "ok", {{"Set-Cookie", "set=1; Path=/"}}};
+    });
+    cookies = {{.name = "session", .value = "1", .domain = "127.0.0.1"}};
+    download(server.url("/"));
+    cookies.clear();
+    download(server.url("/"));
+    EXPECT_EQ(cookiesOf(server), (Calls{"session=1", ""}));
+}
+
 // The additional authority replaces libcurl's bundle; the system's authorities must come from here.
 TEST(SystemAuthorities, StandInAFolderBesideTheBundle) {
     const char* folder = curl_version_info(CURLVERSION_NOW)->capath;

@@ -58,7 +58,7 @@ class ImportFixture : public ::testing::Test {
         while (database.slsGetRow()) {
             std::string row = database.slsFX(1);
             for (int column = 2; column <= database.slGetColumnCount(); ++column)
-                row += "|" + database.slsFX(column);
+                row.append("|").append(database.slsFX(column));
             result.push_back(row);
         }
         return result;

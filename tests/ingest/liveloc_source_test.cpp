@@ -1,5 +1,6 @@
 #include "ingest/liveloc_source.h"
 #include "ingest/local_fixture.h"
+#include "support/clearing_prompts.h"
 #include "support/error_of.h"
 
 #include <fmt/format.h>
@@ -303,24 +304,10 @@ TEST_F(LivelocSource, StoresNothingOfAFileThatCannotBeRenamed) {
     EXPECT_EQ(eventCount(), 3);
 }
 
-// Clears the way of a refused rename while the operator is asked.
-class ClearingPrompts : public testing::ScriptedPrompts {
-  public:
-    explicit ClearingPrompts(std::string path) : path_(std::move(path)) {}
-    ErrorAnswer showRuntimeError(std::string_view title, std::string_view text,
-                                 int seconds) override {
-        fs::remove(path_);
-        return ScriptedPrompts::showRuntimeError(title, text, seconds);
-    }
-
-  private:
-    std::string path_;
-};
-
 TEST_F(LivelocSource, StoresTheEventWhenARetriedRenameSucceeds) {
     put("2012/05/a", sfileLine());
     makeFolder("2012/05/imported_a");
-    ClearingPrompts prompts(at("2012/05/imported_a"));
+    testing::ClearingPrompts prompts(at("2012/05/imported_a"));
     bool held = false;
     ErrorReport errors(
         prompts, [] { std::abort(); }, 60, held);

@@ -45,6 +45,22 @@ TEST_F(PanelDownloads, WaitAMinuteAfterAFailedTransfer) {
     EXPECT_EQ(session.DownloadState, 2);
 }
 
+TEST_F(PanelDownloads, TellAFailureAtOnceWhenNobodyWaitsBehindIt) {
+    const auto fetchOnce = [this] { return download.fetchOnce("http://h/", "/folder/file"); };
+    transfer.course = [](DownloadEvents& events, std::string_view) { events.DownloadCompleted(); };
+    EXPECT_TRUE(fetchOnce());
+    transfer.course = [](DownloadEvents& events, std::string_view) { events.DownloadError("no"); };
+    EXPECT_FALSE(fetchOnce());
+    EXPECT_EQ(session.DownloadState, 2);
+    transfer.course = [this](DownloadEvents& events, std::string_view) {
+        session.Closing = true;
+        events.DownloadCompleted();
+    };
+    EXPECT_FALSE(fetchOnce());
+    EXPECT_EQ(clock.sleeps, 0);
+    EXPECT_EQ(session.WaitCounter, 0);
+}
+
 TEST_F(PanelDownloads, TakeTheWaitCounterAsTheyFindIt) {
     session.WaitCounter = 590;
     transfer.course = [](DownloadEvents& events, std::string_view) { events.AbortCompleted(); };

@@ -1,23 +1,15 @@
 #include "ingest/polling_scheduler.h"
 #include "ingest/scheduler_fixture.h"
+#include "support/error_of.h"
 
 namespace tremor {
 namespace {
 
 using testing::afterSnapshots;
 using testing::Calls;
+using testing::errorOf;
 
 class UpRemoteTimer : public testing::SchedulerFixture {};
-
-ErrorNumber numberOf(const std::function<void()>& statement) {
-    try {
-        statement();
-    } catch (const RuntimeError& error) {
-        return error.number();
-    }
-    ADD_FAILURE() << "no error";
-    return {};
-}
 
 TEST(IsDue, IsStrictlyAboveTheInterval) {
     EXPECT_FALSE(isDue(60, 1));
@@ -28,8 +20,8 @@ TEST(IsDue, IsStrictlyAboveTheInterval) {
 
 TEST(IsDue, RaisesOverflowWhenTheIntervalHasNo32BitNumberOfSeconds) {
     EXPECT_FALSE(isDue(1, 35791394)); // 2147483640 s
-    EXPECT_EQ(numberOf([] { isDue(1, 35791395); }), ErrorNumber::Overflow);
-    EXPECT_EQ(numberOf([] { isDue(1, -35791395); }), ErrorNumber::Overflow);
+    EXPECT_EQ(errorOf([] { isDue(1, 35791395); }), ErrorNumber::Overflow);
+    EXPECT_EQ(errorOf([] { isDue(1, -35791395); }), ErrorNumber::Overflow);
 }
 
 TEST(IsAnyIntervalOver, LooksAtSourcesThatAreNotInUseToo) {
@@ -44,7 +36,7 @@ TEST(IsAnyIntervalOver, LooksAtSourcesThatAreNotInUseToo) {
 TEST(IsAnyIntervalOver, RaisesOverflowEvenWhenAnEarlierIntervalIsOver) {
     AppSettings settings;
     settings.LocalPollEvery = 35791395;
-    EXPECT_EQ(numberOf([&] { isAnyIntervalOver({9999, 0, 0}, settings); }), ErrorNumber::Overflow);
+    EXPECT_EQ(errorOf([&] { isAnyIntervalOver({9999, 0, 0}, settings); }), ErrorNumber::Overflow);
 }
 
 TEST(CountdownText, NamesTheSourceThatComesFirst) {
@@ -76,7 +68,7 @@ TEST(CountdownText, RaisesOverflowOnlyForASourceInUse) {
     settings.AlternatePollEvery = 35791395;
     EXPECT_EQ(countdownText({0, 0, 0}, settings), "Next update from Primary source in 60 sec.");
     settings.UseAlternateDataSource = 1;
-    EXPECT_EQ(numberOf([&] { countdownText({0, 0, 0}, settings); }), ErrorNumber::Overflow);
+    EXPECT_EQ(errorOf([&] { countdownText({0, 0, 0}, settings); }), ErrorNumber::Overflow);
 }
 
 TEST_F(UpRemoteTimer, DoesNothingWithoutACatalogueButEndsItsTick) {
@@ -209,6 +201,30 @@ TEST_F(UpRemoteTimer, KeepsTheCounterOfAnUnusedSourceDown) {
     EXPECT_EQ(scheduler.counters().PrimaryElapsed, 0);
     EXPECT_EQ(scheduler.counters().AlternateElapsed, 0);
     EXPECT_EQ(scheduler.counters().LocalElapsed, 0);
+}
+
+TEST_F(UpRemoteTimer, OnlyRefreshesTheMapPicturesOnCollectWithoutASource) {
+    scheduler.mnuCollect_Click();
+    tick();
+    EXPECT_EQ(steps.calls, testing::snapshots);
+    EXPECT_TRUE(log.messages.empty());
+    EXPECT_TRUE(steps.countdowns.empty());
+    tick(100);
+    EXPECT_EQ(steps.calls, testing::snapshots);
+}
+
+TEST_F(UpRemoteTimer, TellsOnCollectWithoutASourceThatTheNetworkIsDownUntilItIsBack) {
+    const std::string down =
+        "Internet Connection is down, please check your internet configuration.";
+    steps.internetUp = false;
+    scheduler.mnuCollect_Click();
+    tick(4);
+    EXPECT_EQ(log.messages, (Calls{down, down}));
+    steps.internetUp = true;
+    steps.calls.clear();
+    tick(100);
+    EXPECT_EQ(steps.calls, testing::snapshots);
+    EXPECT_EQ(log.messages.size(), 2u);
 }
 
 TEST_F(UpRemoteTimer, PreparesAtEveryTickWhenAnUnusedSourceHasAnIntervalOfZero) {

@@ -29,9 +29,15 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 using namespace std::chrono_literals;
 
+std::string placeOf(const char* variable, const char* ofTheBuild) {
+    const char* const other = std::getenv(variable);
+    return other != nullptr ? other : ofTheBuild;
+}
+
 // Starts a child with its output in a file (or thrown away) and these additions to the environment.
+// A leader can be killed with all that it has started.
 pid_t spawn(const std::vector<std::string>& command, const std::string& output,
-            const std::vector<std::string>& environment) {
+            const std::vector<std::string>& environment, bool leader = false) {
     std::vector<char*> arguments;
     for (const std::string& word : command)
         arguments.push_back(const_cast<char*>(word.c_str()));
@@ -57,9 +63,14 @@ pid_t spawn(const std::vector<std::string>& command, const std::string& output,
     posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
                                      0600);
     posix_spawn_file_actions_adddup2(&actions, 1, 2);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    if (leader)
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
     pid_t pid = -1;
     const int result =
-        posix_spawnp(&pid, arguments[0], &actions, nullptr, arguments.data(), pointers.data());
+        posix_spawnp(&pid, arguments[0], &actions, &attributes, arguments.data(), pointers.data());
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     if (result != 0)
         throw std::runtime_error("cannot start " + command[0]);
@@ -116,15 +127,17 @@ bool waitUntil(const std::function<bool()>& condition, std::chrono::milliseconds
 }
 
 Journey::Journey(const std::vector<std::string>& settingsLines,
-                 const std::vector<std::string>& locators) {
+                 const std::vector<std::string>& locators,
+                 const std::vector<std::string>& serviceOptions) {
     std::string pattern = (fs::temp_directory_path() / "tremor-journey-XXXXXX").string();
     if (mkdtemp(pattern.data()) == nullptr)
         throw std::runtime_error("no temporary folder");
     folder_ = pattern;
     fs::create_directory(folder());
     fs::create_directory(folder_ + "/tmp");
-    fs::copy_file(TREMOR_PROGRAM, file("TremorLedger"));
-    fs::copy(TREMOR_SHARE, folder(), fs::copy_options::recursive | fs::copy_options::skip_existing);
+    fs::copy_file(placeOf("TREMOR_PROGRAM", TREMOR_PROGRAM), file("TremorLedger"));
+    fs::copy(placeOf("TREMOR_SHARE", TREMOR_SHARE), folder(),
+             fs::copy_options::recursive | fs::copy_options::skip_existing);
     std::ofstream settingsFile(file("settings.ini"), std::ios::binary);
     for (const std::string& line : settingsLines)
         settingsFile << line << "\r\n";
@@ -134,11 +147,20 @@ Journey::Journey(const std::vector<std::string>& settingsLines,
     display_ = desktop({"display", folder_ + "/desktop"});
     display_.erase(display_.find_last_not_of('\n') + 1);
 
-    std::vector<std::string> services{TREMOR_PRACTICE_FEEDS, "--port",      "0", "--data",
-                                      TREMOR_TEST_DATA,      "--every",     "0", "--hosts-ini",
-                                      file("hosts.ini"),     "--pagerlink", "0"};
+    std::vector<std::string> services{placeOf("TREMOR_PRACTICE_FEEDS", TREMOR_PRACTICE_FEEDS),
+                                      "--port",
+                                      "0",
+                                      "--data",
+                                      TREMOR_TEST_DATA,
+                                      "--every",
+                                      "0",
+                                      "--hosts-ini",
+                                      file("hosts.ini"),
+                                      "--pagerlink",
+                                      "0"};
     for (const std::string& locator : locators)
         services.insert(services.end(), {"--" + locator, file(locator)});
+    services.insert(services.end(), serviceOptions.begin(), serviceOptions.end());
     services_ = spawn(services, folder_ + "/services.log", {});
     if (!waitUntil([&] { return readFile("hosts.ini").find("Ingv=") != std::string::npos; }, 20s))
         throw std::runtime_error("the practice services did not start: " +
@@ -150,20 +172,26 @@ Journey::Journey(const std::vector<std::string>& settingsLines,
 }
 
 Journey::~Journey() {
-    endChild(program_, SIGKILL);
+    killProgram();
     endChild(services_, SIGTERM);
     try {
         desktop({"stop", folder_ + "/desktop"});
     } catch (const std::exception&) {
         // The display is gone already.
     }
-    std::error_code ignored;
+    // Processes that end just now may still write there.
+    std::error_code error;
     if (std::getenv("TREMOR_KEEP_JOURNEYS") == nullptr)
-        fs::remove_all(folder_, ignored);
+        waitUntil(
+            [&] {
+                fs::remove_all(folder_, error);
+                return !error;
+            },
+            10s);
 }
 
 std::string Journey::desktop(const std::vector<std::string>& arguments) {
-    std::vector<std::string> command{TREMOR_DESKTOP_TOOL};
+    std::vector<std::string> command{placeOf("TREMOR_DESKTOP_TOOL", TREMOR_DESKTOP_TOOL)};
     command.insert(command.end(), arguments.begin(), arguments.end());
     const std::string output = folder_ + "/desktop.out";
     const pid_t pid = spawn(command, output, {});
@@ -193,7 +221,7 @@ void Journey::startProgram() {
     std::vector<std::string> variables{"DISPLAY=" + display_, "TMPDIR=" + folder_ + "/tmp",
                                        "LC_ALL=C.UTF-8", "QT_QPA_PLATFORM=xcb"};
     variables.insert(variables.end(), variables_.begin(), variables_.end());
-    program_ = spawn({file("TremorLedger")}, folder_ + "/program.log", variables);
+    program_ = spawn({file("TremorLedger")}, folder_ + "/program.log", variables, true);
 }
 
 bool Journey::programRuns() {
@@ -214,6 +242,8 @@ int Journey::waitForExit(std::chrono::seconds limit) {
 }
 
 void Journey::killProgram() {
+    if (program_ > 0)
+        kill(-program_, SIGKILL);
     endChild(program_, SIGKILL);
 }
 

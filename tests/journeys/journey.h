@@ -41,8 +41,14 @@ class Journey {
     // Starts display and services and lays out the folder: the executable, its shared files, a
     // hosts.ini that points at the services, and the given lines of settings.ini. The named local
     // locators, "seiscomp" or "liveloc", write into folders of these names beside the program.
+    // There are no new events but those that a journey asks for, unless `serviceOptions` say
+    // otherwise: more words for the command line of practice_feeds.
+    //
+    // Variables of the environment called like the places of the build (TREMOR_PROGRAM,
+    // TREMOR_SHARE, TREMOR_PRACTICE_FEEDS, TREMOR_DESKTOP_TOOL) name other ones.
     explicit Journey(const std::vector<std::string>& settingsLines,
-                     const std::vector<std::string>& locators = {});
+                     const std::vector<std::string>& locators = {},
+                     const std::vector<std::string>& serviceOptions = {});
     ~Journey();
     Journey(const Journey&) = delete;
     Journey& operator=(const Journey&) = delete;
@@ -58,7 +64,9 @@ class Journey {
     void startProgram();
     bool programRuns();
     int waitForExit(std::chrono::seconds limit); // exit code; throws when it still runs
-    void killProgram();
+    void killProgram();                          // with all its processes, at once
+    pid_t programId() const { return program_; }
+    const std::string& display() const { return display_; } // ":99"
 
     // The operator's hands and eyes.
     void waitForWindow(const std::string& title, int seconds = 30);

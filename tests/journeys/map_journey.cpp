@@ -7,6 +7,7 @@
 #include <ctime>
 #include <numbers>
 #include <optional>
+#include <stdexcept>
 
 namespace tremor::journeys {
 namespace {
@@ -69,8 +70,10 @@ const KnownEvent& MapJourney::oldEvent() {
     return old;
 }
 
-MapJourney::MapJourney(std::vector<std::string> moreSettings)
-    : journey_(withDefaults(std::move(moreSettings))) {
+MapJourney::MapJourney(std::vector<std::string> moreSettings,
+                       const std::vector<std::string>& locators,
+                       const std::vector<std::string>& serviceOptions)
+    : journey_(withDefaults(std::move(moreSettings)), locators, serviceOptions) {
     makeCatalogue(journey_.file("catalogue.sqlite"), 0);
     for (const KnownEvent& event : events())
         addEvent(event);
@@ -212,6 +215,29 @@ std::vector<std::vector<std::string>> MapJourney::times(const std::vector<Row>& 
 
 void MapJourney::clickRow(std::size_t index) {
     journey_.click(grid_.x + grid_.width - 60, rows().at(index).y);
+}
+
+bool MapJourney::isOpen(const std::string& title) {
+    const std::vector<std::string> titles = journey_.windowTitles();
+    return std::find(titles.begin(), titles.end(), title) != titles.end();
+}
+
+// In the first week of a month the window first reports that there is no such day a week before.
+void MapJourney::openSearch() {
+    journey_.waitForWindow(mainWindow, 60);
+    const std::size_t before = journey_.windowTitles().size();
+    journey_.key("alt+s");
+    if (!soon([&] { return journey_.windowTitles().size() > before; }))
+        throw std::runtime_error("no search window");
+    if (!isOpen(searchWindow))
+        journey_.key("Return");
+    journey_.waitForWindow(searchWindow, 60);
+}
+
+// The name in the list of workspaces is black only while another one may be chosen.
+bool MapJourney::searchModeIsOn() const {
+    const Rectangle name{map_.x + 4, map_.y - 48, 60, 16};
+    return look().linesOfText(name).empty();
 }
 
 bool MapJourney::menuOpens() {

@@ -46,6 +46,7 @@ Point projected(const Place& place, int zoom);
 class MapJourney : public ::testing::Test {
   protected:
     static constexpr char mainWindow[] = "TREMORLEDGER 1.";
+    static constexpr char searchWindow[] = "Search Parameters";
     static constexpr std::chrono::seconds longEnough{60};
     static constexpr MapView firstView{{42, 12}, 5};
     static constexpr double circleRadius = 12; // pixels: magnitude 4 at scale 3
@@ -57,7 +58,9 @@ class MapJourney : public ::testing::Test {
     // Not in the range of the map: two days old.
     static const KnownEvent& oldEvent();
 
-    explicit MapJourney(std::vector<std::string> moreSettings = {});
+    explicit MapJourney(std::vector<std::string> moreSettings = {},
+                        const std::vector<std::string>& locators = {},
+                        const std::vector<std::string>& serviceOptions = {}); // see Journey
 
     void addEvent(const KnownEvent& event);
     // The same with any values: UTC, Latitude, Longitude, Depth, Magnitude, Source.
@@ -90,7 +93,11 @@ class MapJourney : public ::testing::Test {
     void clickRow(std::size_t index); // where the pointer hides nothing that is looked at
     static std::vector<std::vector<std::string>> times(const std::vector<Row>& rows);
 
-    bool menuOpens(); // the window answers the operator
+    bool menuOpens();                      // the window answers the operator
+    bool isOpen(const std::string& title); // a window with just this title
+    // The search window opens with the filter of the dates alone in force.
+    void openSearch();
+    bool searchModeIsOn() const; // once the surfaces have been found
 
     template <class Condition>
     static bool soon(Condition condition, std::chrono::seconds limit = longEnough) {

@@ -107,6 +107,31 @@ TEST_F(MapOnScreen, ADragTakesTheEventsAlongAndTheTableFollows) {
     EXPECT_TRUE(soon([&] { return times(rows()) == times(all); }));
 }
 
+TEST_F(MapOnScreen, TheViewIsThereAgainAtTheNextStart) {
+    ASSERT_TRUE(soon([&] { return rows().size() == events().size(); }));
+    const std::vector<Row> all = rows();
+    const int x = map_.x + map_.width / 2 - 40; // no event near it
+    const int y = map_.y + map_.height / 2 - 140;
+    const Shift shift{-130, 120};
+    journey_.drag(x, y, x + shift.x, y + shift.y);
+    const MapView left = dragged(firstView, shift);
+    const auto expected = rowsOf(left, all);
+    ASSERT_TRUE(soon([&] { return times(rows()) == expected; }));
+    journey_.key("alt+f x");
+    ASSERT_EQ(journey_.waitForExit(longEnough), 0);
+
+    constexpr double pixel = 360.0 / 256 / 32; // degrees of longitude at zoom 5
+    const auto settings = journey_.settings();
+    EXPECT_NEAR(std::stod(settings.at("CenterLatitude")), left.centre.latitude, 2 * pixel);
+    EXPECT_NEAR(std::stod(settings.at("CenterLongitude")), left.centre.longitude, 2 * pixel);
+    EXPECT_EQ(settings.at("Zoom"), "5");
+    startProgram();
+    EXPECT_TRUE(soon([&] {
+        findSurfaces();
+        return map_.width > 0 && missingFrom(left).empty();
+    })) << missingFrom(left);
+}
+
 TEST_F(MapOnScreen, TheWheelZoomsAroundThePointerAndTheTableFollows) {
     ASSERT_TRUE(soon([&] { return rows().size() == events().size(); }));
     const std::vector<Row> all = rows();

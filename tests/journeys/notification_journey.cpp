@@ -22,7 +22,7 @@ constexpr char importedFromEmsc[] = " Events imported from EMSC";
 // From these magnitudes on the sounds level1.wav to level4.wav ring.
 constexpr std::array<double, 4> levels{-5, 1.5, 2.5, 3.5};
 
-std::vector<std::string> notifyingSettings() {
+std::vector<std::string> notifyingSettings(const std::vector<std::string>& more) {
     std::vector<std::string> lines{"UsePrimaryDataSource=1",
                                    "IsideOrIngv=1",
                                    "PrimaryLastNHours=24",
@@ -47,6 +47,7 @@ std::vector<std::string> notifyingSettings() {
         lines.push_back(fmt::format("MagLevel{}={}", i + 1, levels[i]));
         lines.push_back(fmt::format("MagLevelSound{0}=Sounds/level{0}.wav", i + 1));
     }
+    lines.insert(lines.end(), more.begin(), more.end());
     return lines;
 }
 
@@ -78,7 +79,10 @@ std::string NotificationJourney::soundOf(const std::string& magnitude) {
     return fmt::format("Sounds/level{}.wav", level);
 }
 
-NotificationJourney::NotificationJourney() : MapJourney(notifyingSettings()) {
+NotificationJourney::NotificationJourney(const std::vector<std::string>& moreSettings,
+                                         const std::vector<std::string>& locators,
+                                         const std::vector<std::string>& serviceOptions)
+    : MapJourney(notifyingSettings(moreSettings), locators, serviceOptions) {
     journey_.addHost("CaFile=" + mail_.certificateFile());
     journey_.addSetting(fmt::format("SMTPport={}", mail_.port()));
     journey_.addSetting("PGLport=" + linesOf("pagerlink").at(0));
@@ -119,6 +123,12 @@ void NotificationJourney::forgetWhatWasSent() {
 
 EventRow NotificationJourney::addEventOfIngv() {
     return rowsOfDocument(journey_.service("/practice/add")).at(0);
+}
+
+EventRow NotificationJourney::addEventOfIngv(const Place& place) {
+    return rowsOfDocument(journey_.service(fmt::format("/practice/add?at={},{}", place.latitude,
+                                                       place.longitude)))
+        .at(0);
 }
 
 EventRow NotificationJourney::addEventOfEmsc() {
@@ -164,7 +174,7 @@ std::vector<std::string> NotificationJourney::telegrams() {
 }
 
 ::testing::AssertionResult NotificationJourney::sentOnEveryChannel(int events) {
-    constexpr std::size_t noticesOfAnEvent = 3 * 5; // users and values
+    constexpr std::size_t noticesOfAnEvent = std::size_t{3} * 5; // users and values
     constexpr std::size_t messagesOfAnEvent = 2;
     const auto expected = static_cast<std::size_t>(events);
     if (mails() == events && datagrams().size() == expected * noticesOfAnEvent &&

@@ -21,7 +21,9 @@ class NotificationJourney : public MapJourney {
     // The sound that rings for a magnitude with the settings of the journey.
     static std::string soundOf(const std::string& magnitude);
 
-    NotificationJourney();
+    explicit NotificationJourney(const std::vector<std::string>& moreSettings = {},
+                                 const std::vector<std::string>& locators = {},
+                                 const std::vector<std::string>& serviceOptions = {});
 
     // Polls what the services have at the start and reports its newest event; that is behind us
     // when the journey begins, and nothing has been sent.
@@ -32,6 +34,7 @@ class NotificationJourney : public MapJourney {
 
     // One new event at a source, and what the readers make of it.
     EventRow addEventOfIngv();
+    EventRow addEventOfIngv(const Place& place);
     EventRow addEventOfEmsc();
 
     int countInLog(const std::string& text);

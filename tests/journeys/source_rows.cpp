@@ -69,6 +69,21 @@ std::vector<EventRow> rowsOfRss(const std::string& document) {
     return rows;
 }
 
+std::vector<EventRow> rowsOfIsideExport(const std::string& document) {
+    std::vector<EventRow> rows;
+    std::istringstream stream(document);
+    for (std::string line; std::getline(stream, line);) {
+        std::istringstream fields(line);
+        std::vector<std::string> values;
+        for (std::string field; std::getline(fields, field, ';');)
+            values.push_back(field);
+        if (values.size() == 6 && !line.starts_with('#'))
+            rows.push_back({values[0], numberInCatalogue(values[1]), numberInCatalogue(values[2]),
+                            numberInCatalogue(values[3]), numberInCatalogue(values[4]), values[5]});
+    }
+    return rows;
+}
+
 EventRow rowOfBulletin(const std::string& bulletin) {
     const std::regex solution("  \\S.*  M[Lw]=(\\S+)  (\\d+)/(\\d+)/(\\d+)  ([0-9:]+)  "
                               "(\\S+) N  (\\S+) E  (\\d+) km");

@@ -14,6 +14,9 @@ std::vector<EventRow> rowsOfQuakeMl(const std::string& document);
 // Of the EMSC's RSS: one for each item.
 std::vector<EventRow> rowsOfRss(const std::string& document);
 
+// Of an export of the ISIDE site: one for each line of six values that is no remark.
+std::vector<EventRow> rowsOfIsideExport(const std::string& document);
+
 // Of SeisComP's file "last" with one solution.
 EventRow rowOfBulletin(const std::string& bulletin);
 

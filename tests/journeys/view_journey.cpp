@@ -197,11 +197,6 @@ std::string ViewJourney::wrongBars(const std::string& condition, std::time_t sta
     return wrong;
 }
 
-bool ViewJourney::isOpen(const std::string& title) {
-    const std::vector<std::string> titles = journey_.windowTitles();
-    return std::find(titles.begin(), titles.end(), title) != titles.end();
-}
-
 bool ViewJourney::waitForBox(const std::string& title) {
     return soon([&] { return isOpen(title); });
 }
@@ -219,21 +214,6 @@ std::string ViewJourney::count(const std::string& table) const {
     return journey_.queryOne(catalogue, "select count(*) from " + table);
 }
 
-// In the first week of a month the window first reports that there is no such day a week before.
-void ViewJourney::openSearch() {
-    journey_.waitForWindow(mainWindow, 60);
-    journey_.key("alt+s");
-    std::size_t windows = 0;
-    if (!soon([&] {
-            windows = journey_.windowTitles().size();
-            return windows > 1;
-        }))
-        throw std::runtime_error("no search window");
-    if (!isOpen(searchWindow))
-        journey_.key("Return");
-    journey_.waitForWindow(searchWindow, 60);
-}
-
 void ViewJourney::fill(const std::string& keys, const std::string& text) {
     journey_.key(keys + " ctrl+a");
     journey_.type(text);
@@ -242,12 +222,6 @@ void ViewJourney::fill(const std::string& keys, const std::string& text) {
 void ViewJourney::search() {
     journey_.key("alt+s");
     journey_.waitForNoWindow(searchWindow, 60);
-}
-
-// The name in the list of workspaces is black only while another one may be chosen.
-bool ViewJourney::searchModeIsOn() const {
-    const Rectangle name{map_.x + 4, map_.y - 48, 60, 16};
-    return look().linesOfText(name).empty();
 }
 
 } // namespace tremor::journeys

@@ -18,7 +18,6 @@ std::uint32_t colourOfDepth(double depth);
 class ViewJourney : public MapJourney {
   protected:
     static constexpr int rangeHours = 240; // holds all events
-    static constexpr char searchWindow[] = "Search Parameters";
     static constexpr char everything[] = "1";
 
     explicit ViewJourney(std::vector<std::string> moreSettings = {});
@@ -43,16 +42,13 @@ class ViewJourney : public MapJourney {
     // A window with just this title: "TREMORLEDGER" is that of a box, the main window's is longer.
     bool waitForBox(const std::string& title = "TREMORLEDGER");
     bool waitForNoBox(const std::string& title = "TREMORLEDGER");
-    bool isOpen(const std::string& title);
 
     std::string workspaceValue(const std::string& column, const std::string& name) const;
     std::string count(const std::string& table) const;
 
-    // The search window. It opens with the filter of the dates alone in force.
-    void openSearch();
+    // In the search window.
     void fill(const std::string& keys, const std::string& text); // of the box that the keys reach
     void search();                                               // until the window is gone
-    bool searchModeIsOn() const;
 
   private:
     std::string missingMarkers(const std::string& condition, const MapView& view) const;

@@ -99,7 +99,9 @@ TEST_F(WorkspaceJourney, TheViewIsSavedUsedAfterARestartAndRemoved) {
         findSurfaces();
         return map_.width > 0;
     }));
-    // The map begins with the view of the settings; the jump takes it to the workspace's.
+    // The map begins with the view that was left; after a look around the jump takes it back.
+    EXPECT_TRUE(shows(inside, view));
+    journey_.click(map_.x + map_.width / 2, map_.y + map_.height / 2, 5);
     EXPECT_TRUE(shows(inside, firstView));
     EXPECT_TRUE(chartShowsLatestHours(inside));
     journey_.waitForWindow(mainWindow, 60);

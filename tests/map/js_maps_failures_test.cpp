@@ -1,5 +1,6 @@
 #include "map/js_maps.h"
 #include "map/pages_fixture.h"
+#include "support/clearing_prompts.h"
 #include "support/ordinary_user.h"
 
 #include <gtest/gtest.h>
@@ -79,19 +80,7 @@ TEST_F(JSMapsFailures, AfterIgnoreTheBrowserShowsWhatStandsThere) {
 TEST_F(JSMapsFailures, RetryWritesTheFileOnceTheReasonIsGone) {
     const std::string page = folder.file("SavingWrkS.html");
     fs::create_directory(page);
-    class Mending : public testing::ScriptedPrompts {
-      public:
-        explicit Mending(std::string path) : path_(std::move(path)) {}
-        ErrorAnswer showRuntimeError(std::string_view title, std::string_view text,
-                                     int seconds) override {
-            fs::remove(path_);
-            return ScriptedPrompts::showRuntimeError(title, text, seconds);
-        }
-
-      private:
-        std::string path_;
-    };
-    Mending prompts(page);
+    testing::ClearingPrompts prompts(page);
     prompts.expectRuntimeError("MapsSavingWrkS", ErrorAnswer::Retry);
     bool ticksHeld = false;
     ErrorReport errors(

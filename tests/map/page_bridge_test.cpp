@@ -318,8 +318,15 @@ TEST_F(PageBridgeTest, ReadsTheView) {
     EXPECT_EQ(bounds.west, "6.25");
     EXPECT_EQ(bounds.north, "47.5");
     EXPECT_EQ(bounds.east, "18.5");
-    EXPECT_EQ(bridge.zoom(), "5");
+    EXPECT_EQ(bridge.view().ZOOM, "5");
     EXPECT_EQ(bridge.scaleLabel(), "12km ");
+}
+
+TEST_F(PageBridgeTest, ForgetsTheViewOfAPageThatIsLeft) {
+    bridge.boundsVisualizedMap();
+    bridge.mainMapNavigated();
+    EXPECT_EQ(bridge.view().ZOOM, "");
+    EXPECT_EQ(bridge.view().CLAT, "");
 }
 
 TEST_F(PageBridgeUnderComma, ReadsTheViewAsDotText) {
@@ -359,7 +366,7 @@ TEST_F(PageBridgeTest, WaitsForThePageToBeComplete) {
     clock.onPump = [&] { map.readyState = ++turns == 5 ? 4 : 1; };
     bridge.boundsVisualizedMap();
     EXPECT_EQ(turns, 5);
-    EXPECT_EQ(bridge.zoom(), "5");
+    EXPECT_EQ(bridge.view().ZOOM, "5");
 }
 
 TEST_F(PageBridgeTest, EndsItsWaitWhenTheProgramCloses) {
@@ -405,6 +412,22 @@ TEST_F(PageBridgeTest, IsLiveOnceThePagesOfAReloadStand) {
     EXPECT_TRUE(bridge.mapIsLive());
     bridge.mapsLeft();
     EXPECT_FALSE(bridge.mapIsLive());
+}
+
+TEST_F(PageBridgeTest, TellsOnceForEachReloadThatItsDocumentIsReady) {
+    const auto reload = [this] {
+        bridge.mainMapNavigated();
+        bridge.lastEventMapNavigated();
+        map.listener->documentComplete();
+    };
+    EXPECT_FALSE(bridge.takeDocumentReady());
+    reload();
+    EXPECT_TRUE(bridge.takeDocumentReady());
+    EXPECT_FALSE(bridge.takeDocumentReady());
+    EXPECT_TRUE(bridge.mapIsLive()); // that stays
+    reload();
+    bridge.mapsLeft();
+    EXPECT_FALSE(bridge.takeDocumentReady());
 }
 
 TEST_F(PageBridgeTest, HandsTheMarkersOfAWorkspaceToANewPage) {

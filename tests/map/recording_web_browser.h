@@ -19,7 +19,7 @@ namespace tremor::testing {
 //
 // `calls` holds one text a call, in order: "Navigate page.html", "markers.PINSMODE=1",
 // "MapClick.VALORE [3]=" for a replacement of "3" by nothing, "eventi.Onclick", "eventi.Click",
-// "snapshot". Elements and attributes are found in any case.
+// "snapshot", "picture". Elements and attributes are found in any case.
 class RecordingWebBrowser : public WebBrowser {
   public:
     void setEvents(PageEvents* events) override { listener = events; }
@@ -60,6 +60,11 @@ class RecordingWebBrowser : public WebBrowser {
         return next(snapshots).value_or(page);
     }
 
+    std::optional<Picture> picture() override {
+        calls.emplace_back("picture");
+        return painted;
+    }
+
     // What an attribute holds now; empty when nothing was written.
     std::string attribute(std::string_view element, std::string_view name) const {
         const auto found = attributes_.find(key(element, name));
@@ -81,6 +86,8 @@ class RecordingWebBrowser : public WebBrowser {
     std::deque<PageStatus> statuses;
     std::deque<std::optional<PageSnapshot>> snapshots;
     std::optional<PageSnapshot> page = PageSnapshot();
+
+    std::optional<Picture> painted;
 
     // What the page does at a command before it returns, such as a click that bubbles.
     std::function<void(std::string_view element, Fire how)> onFire;

@@ -36,8 +36,8 @@ TEST_F(WorkspacePageName, MayNotLeadOutOfTheFolder) {
 TEST_F(WorkspacePageName, MayNotBeOneOfTheProgramsOwn) {
     for (const std::string_view name :
          {"settings.ini", "hosts.ini", "TremorLedger", "TremorLedger.html", "last_event.html",
-          "SavingWrkS.html", "TremorLedgerWEB.html", "TremorLedgerLive.html", "default.css",
-          "tremorledger.kml", "DB.csv", "last24H.csv", "logs", "History", "Img"})
+          "SavingWrkS.html", "TremorLedgerWEB.html", "TremorLedgerLive", "TremorLedgerLive.html",
+          "default.css", "tremorledger.kml", "DB.csv", "last24H.csv", "logs", "History", "Img"})
         EXPECT_FALSE(mayName(name)) << name;
 }
 

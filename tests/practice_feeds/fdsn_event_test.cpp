@@ -46,6 +46,16 @@ TEST(FdsnDocument, ReadsTheFieldsThatRequestsSelectBy) {
     EXPECT_EQ(event.line() + "\n", good);
 }
 
+TEST(FdsnEvent, IsMovedInItsLineToo) {
+    FdsnEvent event = parseFdsnEvent(good.substr(0, good.size() - 1));
+    event.moveTo({-42.5, 1.53});
+    EXPECT_EQ(event.line(), "1|2026-06-15T03:00:06.430000|-42.5|1.53|268.5|SURVEY-INGV||||ML|3.3|"
+                            "--|Tirreno|earthquake");
+    const FdsnEvent read = parseFdsnEvent(event.line());
+    EXPECT_EQ(event.latitude, read.latitude);
+    EXPECT_EQ(event.longitude, read.longitude);
+}
+
 TEST(FdsnDocument, RefusesWhatIsNoDocument) {
     const auto with = [](std::string from, const std::string& to) {
         std::string line = good;

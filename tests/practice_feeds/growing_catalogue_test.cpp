@@ -53,6 +53,19 @@ TEST_F(GrowingCatalogueTest, AddsNothingByItselfWhenTheIntervalIsZero) {
     EXPECT_EQ(catalogue.events().size(), 60u);
 }
 
+TEST_F(GrowingCatalogueTest, AddsNothingWhileItIsHeldAndCatchesUpAfterwards) {
+    CatalogueOptions options{180s, 1, false};
+    GrowingCatalogue catalogue = make(options);
+    *options.held = true;
+    now += 400s;
+    EXPECT_TRUE(catalogue.isHeld());
+    EXPECT_EQ(catalogue.advance(), 0u);
+    catalogue.addEvent();
+    EXPECT_EQ(catalogue.events().size(), 61u);
+    *options.held = false;
+    EXPECT_EQ(catalogue.advance(), 2u);
+}
+
 TEST_F(GrowingCatalogueTest, GivesTheSameSequenceForTheSameSeedAndAnotherForAnother) {
     const auto sequence = [this](std::uint32_t seed) {
         GrowingCatalogue catalogue = make({180s, seed, false});
@@ -83,15 +96,26 @@ TEST_F(GrowingCatalogueTest, GivesNewEventsTimesAndIdentifiersOfTheirOwn) {
 
 TEST_F(GrowingCatalogueTest, PutsALateEventInItsPlace) {
     GrowingCatalogue catalogue = make();
-    const FdsnEvent late = catalogue.addEvent(24h);
+    const FdsnEvent late = catalogue.addEvent({.age = 24h});
     EXPECT_LE(std::chrono::abs(now - late.time - 24h), 10ms);
-    const FdsnEvent second = catalogue.addEvent(24h);
+    const FdsnEvent second = catalogue.addEvent({.age = 24h});
     EXPECT_EQ(second.time - late.time, 1s);
     const auto& events = catalogue.events();
     ASSERT_EQ(events.size(), 62u);
     for (std::size_t i = 1; i < events.size(); ++i)
         EXPECT_LT(events[i - 1].time, events[i].time);
     EXPECT_LT(late.time, events.back().time);
+}
+
+TEST_F(GrowingCatalogueTest, PutsAnEventWhereItIsAskedFor) {
+    GrowingCatalogue catalogue = make();
+    const FdsnEvent drawn = make().addEvent();
+    const FdsnEvent moved = catalogue.addEvent({.epicentre = Epicentre{42.5, -1.53}});
+    EXPECT_EQ(moved.latitude, 42.5);
+    EXPECT_EQ(moved.longitude, -1.53);
+    EXPECT_EQ(moved.depth(), drawn.depth());
+    EXPECT_EQ(moved.magnitude, drawn.magnitude);
+    EXPECT_EQ(catalogue.events().back().line(), moved.line());
 }
 
 TEST_F(GrowingCatalogueTest, ServesAFixedDocumentByteForByteWithAdditionsBehindIt) {

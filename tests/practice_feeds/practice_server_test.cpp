@@ -57,6 +57,20 @@ TEST_F(PracticeServerTest, ServesTheRealDocumentWithoutALengthAsTheServiceDoes) 
     EXPECT_EQ(get("/practice/served"), recentText());
 }
 
+TEST_F(PracticeServerTest, KnowsEachLineThatItHasGivenWithoutAFault) {
+    EXPECT_EQ(get("/practice/given"), "");
+    get("/practice/fault?kind=cut&count=1");
+    downloadEvents();
+    EXPECT_EQ(get("/practice/given"), "");
+    downloadEvents();
+    EXPECT_EQ(get("/practice/given"), recentText());
+    const std::string added = get("/practice/add");
+    downloadEvents();
+    EXPECT_EQ(get("/practice/given?source=ingv"), recentText() + added);
+    EXPECT_EQ(get("/practice/given?source=emsc"), "");
+    get("/practice/given?source=nobody", 400);
+}
+
 struct FaultOutcome {
     const char* kind;
     const char* lastCall;
@@ -218,13 +232,19 @@ TEST_F(PracticeServerTest, AddsAnEventToTheNamedService) {
     EXPECT_TRUE(item.starts_with("<item>")) << item;
     EXPECT_NE(get("/service/rss/rss.php?typ=emsc").find(item), std::string::npos);
     EXPECT_EQ(get("/practice/served"), recentText());
+    const std::string placed = get("/practice/add?at=-42.5,1.53");
+    EXPECT_NE(placed.find("|-42.5|1.53|"), std::string::npos) << placed;
+    EXPECT_EQ(get("/practice/served"), recentText() + placed);
 }
 
-TEST_F(PracticeServerTest, RefusesSourcesAndAgesThatItDoesNotKnow) {
+TEST_F(PracticeServerTest, RefusesSourcesAgesAndPlacesThatItDoesNotKnow) {
     for (const char* path :
          {"/practice/add?source=", "/practice/add?source=isc", "/practice/add?source=seiscomp",
           "/practice/add?source=liveloc", "/practice/add?age=", "/practice/add?age=-5",
-          "/practice/add?age=long", "/practice/served?source=seiscomp", "/practice/relocate"})
+          "/practice/add?age=long", "/practice/add?at=", "/practice/add?at=42.5",
+          "/practice/add?at=42.5,", "/practice/add?at=42.5,1.5km", "/practice/add?at=90.1,0",
+          "/practice/add?at=0,-180.1", "/practice/add?at=nan,0", "/practice/served?source=seiscomp",
+          "/practice/relocate"})
         get(path, 400);
 }
 

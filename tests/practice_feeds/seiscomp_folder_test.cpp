@@ -95,6 +95,22 @@ TEST_F(SeisCompFolderTest, LocatesTheLatestEventThreeTimesMoreWithinTheFirstHour
     EXPECT_EQ(solutionOf(fileText(file)), last);
 }
 
+TEST_F(SeisCompFolderTest, ChangesNothingWhileItIsHeld) {
+    const CatalogueOptions options{3min, 1, false};
+    SeisCompFolder folder(
+        path, madeUpCatalogue(localReporting(), 3, 6h, options, [this] { return now; }));
+    const std::string file = folder.addEvent({});
+    const std::string solution = solutionOf(fileText(file));
+    *options.held = true;
+    now += 1h;
+    folder.advance();
+    EXPECT_EQ(names().size(), 4u);
+    EXPECT_EQ(solutionOf(fileText(file)), solution);
+    *options.held = false;
+    folder.advance();
+    EXPECT_EQ(names().size(), 24u);
+}
+
 TEST_F(SeisCompFolderTest, DoesNothingByItselfWithoutAnInterval) {
     SeisCompFolder folder = make(0s);
     const std::string file = folder.addEvent({});

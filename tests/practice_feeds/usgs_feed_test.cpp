@@ -111,7 +111,7 @@ TEST_F(UsgsFeedTest, ServesAnAddedEventAtOnceADueOneInTimeAndALateOneInItsDay) {
     EXPECT_EQ(lines({{"limit", "1"}})[0] + "\n", added);
     now += 180s;
     EXPECT_EQ(lines({}).size(), 242u);
-    const std::string late = feed.addEvent(24h);
+    const std::string late = feed.addEvent({.age = 24h});
     const auto yesterday = lines({{"starttime", "2031-01-01"}, {"endtime", "2031-01-02"}});
     EXPECT_EQ(std::count(yesterday.begin(), yesterday.end(), late.substr(0, late.size() - 1)), 1);
     EXPECT_NE(feed.served().find(late), std::string::npos);

@@ -7,10 +7,12 @@
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QRadioButton>
+#include <QtWidgets/QTabBar>
 #include <QtWidgets/QTabWidget>
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 
 namespace tremor {
@@ -164,6 +166,86 @@ TEST_F(FrmSetupTest, TellsWhichOtherWindowIsWanted) {
                              "cmd_UpdateComuni", "CmdTest_0"})
         click(name);
     EXPECT_EQ(wanted, "telegram pager email geo poi x.wav");
+}
+
+// Where Tab leads to, once around the window, and the arrow keys inside a group of options.
+class KeyboardTour {
+  public:
+    explicit KeyboardTour(QWidget& window) : window_(window) {}
+
+    std::set<const QWidget*> walk() {
+        constexpr int tooMany = 100;
+        const QPointer<QWidget> first = window_.focusWidget();
+        for (int i = 0; i < tooMany; ++i) {
+            visit();
+            press(Qt::Key_Tab);
+            if (window_.focusWidget() == first)
+                return reached_;
+        }
+        ADD_FAILURE() << "Tab does not come back";
+        return reached_;
+    }
+
+  private:
+    void press(Qt::Key key) { testing::pressKey(*window_.focusWidget(), key); }
+
+    // An option is chosen by reaching it, so the one chosen before is chosen again.
+    void visit() {
+        QWidget* const here = window_.focusWidget();
+        reached_.insert(here);
+        auto* const option = qobject_cast<QRadioButton*>(here);
+        if (option == nullptr)
+            return;
+        for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Left}) {
+            const QWidget* last = nullptr;
+            while (window_.focusWidget() != last) {
+                last = window_.focusWidget();
+                reached_.insert(last);
+                press(key);
+            }
+        }
+        option->click();
+        option->setFocus();
+    }
+
+    QWidget& window_;
+    std::set<const QWidget*> reached_;
+};
+
+TEST_F(FrmSetupTest, LetsTheKeyboardReachEveryControlOfEveryPage) {
+    click("ChkUseAlternateRemoteSource");
+    click("opt_Iside");
+    window->activateWindow();
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(window->isActiveWindow());
+    auto* const pages = window->findChild<QTabWidget*>();
+    pages->tabBar()->setFocus();
+    for (int page = 0; page < pages->count(); ++page) {
+        ASSERT_EQ(pages->currentIndex(), page);
+        const std::set<const QWidget*> reached = KeyboardTour(*window).walk();
+        for (const QWidget* control : window->findChildren<QWidget*>()) {
+            if (control->isVisible() && control->isEnabled() &&
+                control->focusPolicy() != Qt::NoFocus && control->focusProxy() == nullptr) {
+                EXPECT_TRUE(reached.contains(control))
+                    << toBytes(control->objectName()) << " on page " << page;
+            }
+        }
+        EXPECT_GT(reached.size(), 5u) << page;
+        pages->tabBar()->setFocus();
+        testing::pressKey(*pages->tabBar(), Qt::Key_Right);
+    }
+}
+
+TEST_F(FrmSetupTest, ChoosesAnOptionByTheArrowKeysAsByAClick) {
+    window->activateWindow();
+    QCoreApplication::processEvents();
+    ASSERT_TRUE(window->isActiveWindow());
+    auto* const ingv = control<QRadioButton>("opt_Ingv");
+    ingv->setFocus();
+    testing::pressKey(*ingv, Qt::Key_Right);
+    EXPECT_TRUE(control<QRadioButton>("opt_Iside")->isChecked());
+    EXPECT_EQ(text("TxtPrimaryDataSource"), "http://iside.test/iside/standard/index.jsp");
+    EXPECT_TRUE(enabled("TxtPrimarySourceUsername"));
 }
 
 TEST_F(FrmSetupTest, FitsTheSmallestScreen) {

@@ -53,7 +53,7 @@ class DownloadTest : public ::testing::Test {
 
     void download(const std::string& url, std::int32_t chunkSize = 4096,
                   bool withoutStatusCheck = false) {
-        ClsDownloader downloader(events, clock, session, limits);
+        ClsDownloader downloader(events, clock, session, limits, cookies);
         current = &downloader;
         downloader.DownloadFile(url, target, chunkSize, withoutStatusCheck);
         current = nullptr;
@@ -74,6 +74,7 @@ class DownloadTest : public ::testing::Test {
     FakeClock clock;
     Session session;
     DownloadLimits limits;
+    HttpCookies cookies;
     ClsDownloader* current = nullptr; // while a transfer runs
 };
 

@@ -52,13 +52,14 @@ void LoopbackServer::State::answer(const httplib::Request& received, httplib::Re
     response.status = answer.status;
     for (const auto& [name, value] : answer.headers)
         response.set_header(name, value);
+    const std::string given = response.get_header_value("Content-Type");
+    const std::string type = given.empty() ? "application/octet-stream" : given;
     if (answer.announceLength) {
-        response.set_content(std::move(answer.body), "application/octet-stream");
+        response.set_content(std::move(answer.body), type);
         return;
     }
     response.set_chunked_content_provider(
-        "application/octet-stream",
-        [body = std::move(answer.body)](std::size_t, httplib::DataSink& sink) {
+        type, [body = std::move(answer.body)](std::size_t, httplib::DataSink& sink) {
             if (!body.empty())
                 sink.write(body.data(), body.size());
             sink.done();

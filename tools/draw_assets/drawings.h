@@ -1,12 +1,14 @@
 #pragma once
 
+#include <QDir>
 #include <QImage>
 #include <QString>
 
 #include <array>
 #include <vector>
 
-// The pictures of the maps. Everything is drawn in code, so that sizes and colours have one source.
+// The pictures of the maps and the icon. Everything is drawn in code, so that sizes and colours
+// have one source.
 namespace tremor::assets {
 
 struct DepthColour {
@@ -40,6 +42,12 @@ bool writeGif(const QString& path, const std::vector<QImage>& frames, int hundre
 inline constexpr int overlayScale = 2;
 QImage logo();
 QImage legend();
+
+// Widths of the program's icon in pixels.
+inline constexpr std::array<int, 5> iconSizes{48, 64, 128, 256, 512};
+// Writes the icon in all sizes and as SVG, in the folders of an icon theme. False: a file cannot be
+// written.
+bool writeIcons(const QDir& folder);
 
 // Writes a KMZ file: a document and, when there is one, its picture. False: it cannot be written.
 bool writeKmz(const QString& path, const QByteArray& document, const QString& pictureName,

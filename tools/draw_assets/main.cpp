@@ -53,13 +53,16 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QGuiApplication application(argc, argv);
-    if (argc != 2) {
-        std::fputs("draw_assets FOLDER: draws pins, animation and overlays into the folder.\n",
-                   stderr);
+    if (argc != 3) {
+        std::fputs(
+            "draw_assets PICTURES ICONS: draws pins, animation and overlays into one folder, "
+            "the program's icon into another.\n",
+            stderr);
         return EXIT_FAILURE;
     }
-    const QDir folder(QString::fromLocal8Bit(argv[1]));
-    if (!folder.mkpath(QStringLiteral(".")) || !drawAll(folder)) {
+    const QDir pictures(QString::fromLocal8Bit(argv[1]));
+    const QDir icons(QString::fromLocal8Bit(argv[2]));
+    if (!pictures.mkpath(QStringLiteral(".")) || !drawAll(pictures) || !writeIcons(icons)) {
         std::fputs("The pictures could not be written.\n", stderr);
         return EXIT_FAILURE;
     }

@@ -91,16 +91,21 @@ Services:
   /service/rss/rss.php                  EMSC, RSS
   /bot1:practice/METHOD                 Telegram's Bot API: getMe, getUpdates, sendMessage,
                                         sendLocation
-  /geonames/export/dump/                GeoNames: index page, countryInfo.txt, AD.zip
+  /iside/standard/index.jsp             the ISIDE site; operator@example.org, secret
+  /geonames/export/dump/                GeoNames: index page, countryInfo.txt, AD.zip,
+                                        FR.zip
   /                                     200, for the Internet probe
 Control, by GET or POST:
   /practice/fault?kind=KIND[&count=N]   404, 204, 500, cut, stall, garbage, slow or none,
                                         for the next N requests or for all
-  /practice/add[?source=NAME][&age=MINUTES]
+  /practice/add[?source=NAME][&age=MINUTES][&at=LATITUDE,LONGITUDE]
                                         one new event now, or one of that origin that comes late;
-                                        ingv (the default), usgs, emsc, seiscomp or liveloc
+                                        ingv (the default), usgs, emsc, iside, seiscomp or
+                                        liveloc
   /practice/relocate                    another solution for SeisComP's newest event
   /practice/served[?source=NAME]        the whole current catalogue of a service
+  /practice/given[?source=NAME]         each line of the documents given without a fault, once
+  /practice/hold                        no new events and relocations until /practice/go
   /practice/last                        the last document given without a fault
   /practice/log                         the requests received so far
   /practice/pagerlink                   Pagerlink's port and the datagrams received so far
@@ -109,6 +114,9 @@ Control, by GET or POST:
   /practice/pagerlink/clear             forget the datagrams
   /practice/geonames/fault?kind=KIND[&count=N]
                                         as /practice/fault, for GeoNames alone
+  /practice/iside                       the ISIDE site's last export
+  /practice/iside/fault?kind=KIND       login-stalls, login-refused, form-changed, search-stalls,
+                                        export-dropped, export-empty, expired or none
   /practice/telegram                    the messages that the bot has sent so far
   /practice/telegram/write?id=N&first_name=NAME[&last_name=NAME][&text=TEXT]
                                         somebody writes to the bot

@@ -83,9 +83,9 @@ Answer EmscFeed::answer(const Request&) {
     return {200, document(latest.of(catalogue_.events())), "text/xml;charset=UTF-8"};
 }
 
-std::string EmscFeed::addEvent(EventAge age) {
+std::string EmscFeed::addEvent(const EventWish& wish) {
     const std::lock_guard lock(mutex_);
-    return item(catalogue_.addEvent(age));
+    return item(catalogue_.addEvent(wish));
 }
 
 std::string EmscFeed::served() {

@@ -17,7 +17,7 @@ class EmscFeed : public PracticeService {
     std::string_view name() const override { return "emsc"; }
     std::vector<std::string> paths() const override { return {"/service/rss/rss.php"}; }
     Answer answer(const Request& request) override;
-    std::string addEvent(EventAge age) override;
+    std::string addEvent(const EventWish& wish) override;
     std::string served() override;
 
   private:

@@ -108,6 +108,14 @@ std::string FdsnEvent::line() const {
     return id + "|" + formatUtc(time) + rest;
 }
 
+void FdsnEvent::moveTo(const Epicentre& epicentre) {
+    const std::vector<std::string_view> fields = split(rest, '|');
+    const std::size_t ofDepth = 3 + fields[1].size() + fields[2].size();
+    rest = fmt::format("|{}|{}|{}", epicentre.latitude, epicentre.longitude, rest.substr(ofDepth));
+    latitude = epicentre.latitude;
+    longitude = epicentre.longitude;
+}
+
 std::string FdsnDocument::text() const {
     std::string text = header + "\n";
     for (const FdsnEvent& event : events)

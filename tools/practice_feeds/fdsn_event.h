@@ -1,5 +1,7 @@
 #pragma once
 
+#include "practice_feeds/event_wish.h"
+
 #include <chrono>
 #include <ctime>
 #include <optional>
@@ -35,6 +37,8 @@ struct FdsnEvent {
     std::string rest; // everything behind the time, from its "|" on, byte for byte
 
     std::string line() const; // without a line feed
+
+    void moveTo(const Epicentre& epicentre);
 
     // Fields by their place in the line.
     double depth() const;                   // km

@@ -68,7 +68,7 @@ std::chrono::milliseconds GrowingCatalogue::interval() const {
 }
 
 std::size_t GrowingCatalogue::advance() {
-    if (interval() <= 0ms)
+    if (interval() <= 0ms || isHeld())
         return 0;
     std::size_t added = 0;
     for (const UtcTime now = now_(); nextDue_ <= now; nextDue_ += options_.every) {
@@ -78,13 +78,15 @@ std::size_t GrowingCatalogue::advance() {
     return added;
 }
 
-FdsnEvent GrowingCatalogue::addEvent(std::optional<std::chrono::minutes> age) {
+FdsnEvent GrowingCatalogue::addEvent(const EventWish& wish) {
     FdsnEvent event = draw();
-    if (!age) {
+    if (wish.epicentre)
+        event.moveTo(*wish.epicentre);
+    if (!wish.age) {
         appendNewest(std::move(event), now_());
         return document_.events.back();
     }
-    event.time = hundredths(now_() - *age);
+    event.time = hundredths(now_() - *wish.age);
     while (!isFree(event.time))
         event.time += smallestGap;
     auto& events = document_.events;

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "practice_feeds/event_wish.h"
 #include "practice_feeds/fdsn_event.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <optional>
+#include <memory>
 #include <random>
 #include <vector>
 
@@ -17,6 +19,9 @@ struct CatalogueOptions {
     std::uint32_t seed = 1; // decides the sequence of new events
     // Keep the document as it stands, times included, and no new events but those of addEvent().
     bool fixed = false;
+    // While it is set, no catalogue of these options changes by itself; what came due meanwhile
+    // comes afterwards.
+    std::shared_ptr<std::atomic<bool>> held = std::make_shared<std::atomic<bool>>(false);
 };
 
 // The clock of the catalogues.
@@ -39,8 +44,8 @@ class GrowingCatalogue {
     // Adds what has come due since the last call; returns how many.
     std::size_t advance();
 
-    // One new event now, the newest of all. With an age: one of that origin, published late.
-    FdsnEvent addEvent(std::optional<std::chrono::minutes> age = {});
+    // One new event now. With an age: one of that origin, published late.
+    FdsnEvent addEvent(const EventWish& wish = {});
 
     // By time, oldest first; late ones of a fixed document stand at its end.
     const std::vector<FdsnEvent>& events() const { return document_.events; }
@@ -50,6 +55,7 @@ class GrowingCatalogue {
     UtcTime now() const { return now_(); }
     // Time between two new events; zero: they do not come by themselves.
     std::chrono::milliseconds interval() const;
+    bool isHeld() const { return *options_.held; }
 
   private:
     FdsnEvent draw();

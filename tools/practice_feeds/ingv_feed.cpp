@@ -25,9 +25,9 @@ Answer IngvFeed::answer(const Request& request) {
     return document.events.empty() ? Answer{204} : Answer{200, document.text()};
 }
 
-std::string IngvFeed::addEvent(EventAge age) {
+std::string IngvFeed::addEvent(const EventWish& wish) {
     const std::lock_guard lock(mutex_);
-    return catalogue_.addEvent(age).line();
+    return catalogue_.addEvent(wish).line();
 }
 
 std::string IngvFeed::served() {

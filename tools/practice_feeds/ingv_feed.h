@@ -18,7 +18,7 @@ class IngvFeed : public PracticeService {
     std::string_view name() const override { return "ingv"; }
     std::vector<std::string> paths() const override { return {"/fdsnws/event/1/query"}; }
     Answer answer(const Request& request) override;
-    std::string addEvent(EventAge age) override;
+    std::string addEvent(const EventWish& wish) override;
     std::string served() override;
 
   private:

@@ -47,9 +47,9 @@ void LivelocFolder::advance() {
         write(events[i]);
 }
 
-std::string LivelocFolder::addEvent(EventAge age) {
+std::string LivelocFolder::addEvent(const EventWish& wish) {
     const std::lock_guard lock(mutex_);
-    return write(catalogue_.addEvent(age));
+    return write(catalogue_.addEvent(wish));
 }
 
 std::string LivelocFolder::write(const FdsnEvent& event) {

@@ -25,7 +25,7 @@ class LivelocFolder : public LocalLocator {
 
     std::string_view name() const override { return "liveloc"; }
     void advance() override;
-    std::string addEvent(EventAge age) override;
+    std::string addEvent(const EventWish& wish) override;
 
   private:
     std::string write(const FdsnEvent& event);

@@ -6,6 +6,7 @@
 #include "practice_feeds/faulty_answer.h"
 #include "practice_feeds/geonames_area.h"
 #include "practice_feeds/ingv_feed.h"
+#include "practice_feeds/iside_site.h"
 #include "practice_feeds/liveloc_folder.h"
 #include "practice_feeds/pagerlink_service.h"
 #include "practice_feeds/seiscomp_folder.h"
@@ -18,12 +19,17 @@
 #include <algorithm>
 #include <atomic>
 #include <charconv>
+#include <cmath>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <mutex>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace tremor::practice {
@@ -77,8 +83,13 @@ GrowingCatalogue emscCatalogue(const ServerOptions& options) {
     return madeUpCatalogue(euroMediterraneanReporting(), 60, 24h, options.catalogue, systemNow);
 }
 
+// A solution of SeisComP takes over every row of its time, so that no other source may have just
+// these times: here local origins are earlier.
+constexpr auto localLag = 3s;
+
 GrowingCatalogue localCatalogue(const ServerOptions& options) {
-    return madeUpCatalogue(localReporting(), 3, 6h, options.catalogue, systemNow);
+    return madeUpCatalogue(localReporting(), 3, 6h, options.catalogue,
+                           [] { return systemNow() - localLag; });
 }
 
 std::optional<int> wholeNumber(const std::string& text) {
@@ -90,9 +101,29 @@ std::optional<int> wholeNumber(const std::string& text) {
     return number;
 }
 
+// "42.5,1.53"
+std::optional<Epicentre> epicentreOf(std::string_view text) {
+    Epicentre place;
+    const char* end = text.data() + text.size();
+    const auto latitude = std::from_chars(text.data(), end, place.latitude);
+    if (latitude.ec != std::errc() || latitude.ptr == end || *latitude.ptr != ',')
+        return std::nullopt;
+    const auto longitude = std::from_chars(latitude.ptr + 1, end, place.longitude);
+    // Written so that "nan" is refused too.
+    const bool onEarth = std::abs(place.latitude) <= 90 && std::abs(place.longitude) <= 180;
+    if (longitude.ec != std::errc() || longitude.ptr != end || !onEarth)
+        return std::nullopt;
+    return place;
+}
+
 void refuse(httplib::Response& response, const std::string& reason) {
     response.status = 400;
     response.set_content(reason + "\n", "text/plain");
+}
+
+void give(const Answer& answer, httplib::Response& response) {
+    response.status = answer.status;
+    response.set_content(answer.body, answer.contentType);
 }
 
 Request serviceRequest(const httplib::Request& received) {
@@ -101,6 +132,22 @@ Request serviceRequest(const httplib::Request& received) {
     request.query = {received.params.begin(), received.params.end()};
     return request;
 }
+
+// Every line that stood in one of the documents, once, in the order of appearance.
+class GivenLines {
+  public:
+    void add(const std::string& document) {
+        std::istringstream stream(document);
+        for (std::string line; std::getline(stream, line);)
+            if (known_.insert(line).second)
+                text_ += line + "\n";
+    }
+    const std::string& text() const { return text_; }
+
+  private:
+    std::unordered_set<std::string> known_;
+    std::string text_;
+};
 
 } // namespace
 
@@ -124,6 +171,7 @@ class PracticeServer::Impl {
     void lookAfterFolders();
     void startPagerlink(int port);
     void startTelegram();
+    void startIside();
     void startGeoNames();
 
     // The service or locator that a control request names; nothing (null) for another name.
@@ -137,6 +185,7 @@ class PracticeServer::Impl {
         return found == sources.end() ? nullptr : *found;
     }
 
+    std::shared_ptr<std::atomic<bool>> held_;
     FaultPlan faults_;
     IngvFeed ingv_;
     UsgsFeed usgs_;
@@ -148,13 +197,15 @@ class PracticeServer::Impl {
     GeoNamesArea geoNames_;
     FaultPlan telegramFaults_;
     TelegramService telegram_;
+    IsideSite iside_;
     std::vector<PracticeService*> services_{&ingv_, &usgs_, &emsc_};
     std::vector<LocalLocator*> locators_;
-    std::vector<EventSource*> sources_{&ingv_, &usgs_, &emsc_};
+    std::vector<EventSource*> sources_{&ingv_, &usgs_, &emsc_, &iside_};
     std::atomic<bool> ending_ = false;
-    std::mutex mutex_; // of the two below
+    std::mutex mutex_; // of the three below
     std::string log_;
     std::string last_;
+    std::map<const PracticeService*, GivenLines> given_;
     httplib::Server server_;
     int port_ = 0;
     std::thread thread_;
@@ -162,10 +213,12 @@ class PracticeServer::Impl {
 };
 
 PracticeServer::Impl::Impl(const ServerOptions& options)
-    : ingv_(ingvCatalogue(options), options.catalogue.fixed),
+    : held_(options.catalogue.held),
+      ingv_(ingvCatalogue(options), options.catalogue.fixed),
       usgs_(usgsCatalogue(options)),
       emsc_(emscCatalogue(options)),
-      geoNames_(options.dataFolder + "/geonames") {
+      geoNames_(options.dataFolder + "/geonames"),
+      iside_(ingvCatalogue(options)) {
     if (!options.seisCompFolder.empty()) {
         seisComp_ =
             std::make_unique<SeisCompFolder>(options.seisCompFolder, localCatalogue(options));
@@ -180,6 +233,7 @@ PracticeServer::Impl::Impl(const ServerOptions& options)
         serve(*service);
     addControls();
     startTelegram();
+    startIside();
     startGeoNames();
     if (options.pagerlinkPort)
         startPagerlink(*options.pagerlinkPort);
@@ -243,6 +297,7 @@ void PracticeServer::Impl::serve(PracticeService& service) {
                 if (fault == Fault::None) {
                     const std::lock_guard lock(mutex_);
                     last_ = answer.status == 200 ? answer.body : "";
+                    given_[&service].add(last_);
                 }
                 respond(answer, fault, response, ending_);
             });
@@ -257,14 +312,29 @@ void PracticeServer::Impl::startTelegram() {
                 });
     for (const std::string& path : TelegramService::controlPaths())
         control(path, [this](const httplib::Request& request, httplib::Response& response) {
-            const Answer answer = telegram_.control(serviceRequest(request));
-            response.status = answer.status;
-            response.set_content(answer.body, answer.contentType);
+            give(telegram_.control(serviceRequest(request)), response);
         });
     control("/practice/telegram/fault",
             [this](const httplib::Request& request, httplib::Response& response) {
                 switchFault(telegramFaults_, request, response);
             });
+}
+
+void PracticeServer::Impl::startIside() {
+    for (const std::string& path : IsideSite::paths())
+        control(path, [this](const httplib::Request& request, httplib::Response& response) {
+            const SiteAnswer answer =
+                iside_.answer({serviceRequest(request), request.get_header_value("Cookie")});
+            if (!answer.location.empty())
+                response.set_header("Location", answer.location);
+            if (!answer.setCookie.empty())
+                response.set_header("Set-Cookie", answer.setCookie);
+            respond(answer, answer.fault, response, ending_);
+        });
+    for (const std::string& path : IsideSite::controlPaths())
+        control(path, [this](const httplib::Request& request, httplib::Response& response) {
+            give(iside_.control(serviceRequest(request)), response);
+        });
 }
 
 void PracticeServer::Impl::startGeoNames() {
@@ -283,9 +353,7 @@ void PracticeServer::Impl::startPagerlink(int port) {
     pagerlink_ = std::make_unique<PagerlinkService>(port);
     for (const std::string& path : pagerlink_->paths())
         control(path, [this](const httplib::Request& request, httplib::Response& response) {
-            const Answer answer = pagerlink_->answer(serviceRequest(request));
-            response.status = answer.status;
-            response.set_content(answer.body, answer.contentType);
+            give(pagerlink_->answer(serviceRequest(request)), response);
         });
 }
 
@@ -319,6 +387,19 @@ void PracticeServer::Impl::addControls() {
                     return refuse(response, "source is ingv, usgs or emsc");
                 response.set_content(service->served(), text);
             });
+    control("/practice/given",
+            [this, text](const httplib::Request& request, httplib::Response& response) {
+                const PracticeService* service = named(services_, request);
+                if (service == nullptr)
+                    return refuse(response, "source is that of a service");
+                const std::lock_guard lock(mutex_);
+                response.set_content(given_[service].text(), text);
+            });
+    for (const auto& [path, held] : {std::pair("/practice/hold", true), {"/practice/go", false}})
+        control(path, [this, held = held](const httplib::Request&, httplib::Response& response) {
+            *held_ = held;
+            response.set_content("ok\n", "text/plain");
+        });
     control("/practice/last", [this, text](const httplib::Request&, httplib::Response& response) {
         const std::lock_guard lock(mutex_);
         response.set_content(last_, text);
@@ -343,17 +424,22 @@ void PracticeServer::Impl::switchFault(FaultPlan& plan, const httplib::Request& 
 
 void PracticeServer::Impl::addEvent(const httplib::Request& request, httplib::Response& response) {
     EventSource* source = named(sources_, request);
-    EventAge age;
+    EventWish wish;
     if (request.has_param("age")) {
         const std::optional<int> minutes = wholeNumber(request.get_param_value("age"));
         if (!minutes)
             return refuse(response, "age is a number of minutes");
-        age = std::chrono::minutes(*minutes);
+        wish.age = std::chrono::minutes(*minutes);
+    }
+    if (request.has_param("at")) {
+        wish.epicentre = epicentreOf(request.get_param_value("at"));
+        if (!wish.epicentre)
+            return refuse(response, "at is a latitude and a longitude in degrees, as in 42.5,1.53");
     }
     if (source == nullptr)
-        return refuse(response, "source is ingv, usgs, emsc, or a locator whose folder is written: "
-                                "seiscomp, liveloc");
-    std::string added = source->addEvent(age);
+        return refuse(response, "source is ingv, usgs, emsc, iside, or a locator whose folder is "
+                                "written: seiscomp, liveloc");
+    std::string added = source->addEvent(wish);
     if (!added.ends_with('\n'))
         added += '\n';
     response.set_content(added, "text/plain;charset=UTF-8");

@@ -21,14 +21,18 @@ struct ServerOptions {
 // Stands in for the remote services on 127.0.0.1. Beside the services it answers
 //   /                                          200: the Internet can be reached
 //   /practice/fault?kind=KIND[&count=N]        the next N requests, or all, meet the fault
-//   /practice/add[?source=NAME][&age=MINUTES]  adds one event now, to INGV when no other source
+//   /practice/add[?source=NAME][&age=MINUTES][&at=LATITUDE,LONGITUDE]
+//                                              adds one event now, to INGV when no other source
 //                                              is named; answers its line or the written file
 //   /practice/relocate                         another solution for SeisComP's latest event
 //   /practice/served[?source=NAME]             the whole current catalogue of a service
+//   /practice/given[?source=NAME]              each line of the documents given without a fault
+//   /practice/hold                             nothing changes by itself until /practice/go
 //   /practice/last                             the last document given without a fault
 //   /practice/log                              "GET target" of each request so far, answered or
 //   not, one a line
 //   /practice/pagerlink…                       see pagerlink_service.h
+//   /practice/iside…                           see iside_site.h
 //   /practice/geonames/fault?kind=KIND[&count=N]   a fault of GeoNames alone
 //   /practice/telegram…                        see telegram_service.h
 //   /practice/telegram/fault?kind=KIND[&count=N]   a fault of Telegram alone, which meets no other

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <chrono>
+#include "practice_feeds/event_wish.h"
+
 #include <map>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,9 +28,6 @@ struct Answer {
     std::string contentType = "text/plain;charset=UTF-8";
 };
 
-// Age of an event when it comes out; nothing: a new one, the newest of all.
-using EventAge = std::optional<std::chrono::minutes>;
-
 // Whatever has events. Calls come from several threads.
 class EventSource {
   public:
@@ -38,7 +35,7 @@ class EventSource {
 
     virtual std::string_view name() const = 0; // "usgs", as control requests call it
     // Adds one event now; returns its line, or the file that was written.
-    virtual std::string addEvent(EventAge age) = 0;
+    virtual std::string addEvent(const EventWish& wish) = 0;
 };
 
 // One remote service that the practice server stands in for.

@@ -49,13 +49,14 @@ void SeisCompFolder::advance() {
     const auto& events = catalogue_.events();
     for (std::size_t i = events.size() - added; i < events.size(); ++i)
         write(events[i]);
-    if (relocationGap_ > 0ms && relocationsLeft_ > 0 && catalogue_.now() >= nextRelocation_)
+    if (relocationGap_ > 0ms && relocationsLeft_ > 0 && !catalogue_.isHeld() &&
+        catalogue_.now() >= nextRelocation_)
         relocate();
 }
 
-std::string SeisCompFolder::addEvent(EventAge age) {
+std::string SeisCompFolder::addEvent(const EventWish& wish) {
     const std::lock_guard lock(mutex_);
-    return write(catalogue_.addEvent(age));
+    return write(catalogue_.addEvent(wish));
 }
 
 std::string SeisCompFolder::relocateLatest() {

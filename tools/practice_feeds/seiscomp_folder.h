@@ -29,7 +29,7 @@ class SeisCompFolder : public LocalLocator {
 
     std::string_view name() const override { return "seiscomp"; }
     void advance() override;
-    std::string addEvent(EventAge age) override;
+    std::string addEvent(const EventWish& wish) override;
     // The last written event gets another solution; returns its file, or nothing when somebody has
     // taken that away.
     std::string relocateLatest();

@@ -112,9 +112,9 @@ Answer UsgsFeed::answer(const Request& request) {
     return {200, document(selected, request), "application/xml;charset=UTF-8"};
 }
 
-std::string UsgsFeed::addEvent(EventAge age) {
+std::string UsgsFeed::addEvent(const EventWish& wish) {
     const std::lock_guard lock(mutex_);
-    return eventLine(catalogue_.addEvent(age));
+    return eventLine(catalogue_.addEvent(wish));
 }
 
 std::string UsgsFeed::served() {

@@ -22,7 +22,7 @@ class UsgsFeed : public PracticeService {
     std::string_view name() const override { return "usgs"; }
     std::vector<std::string> paths() const override;
     Answer answer(const Request& request) override;
-    std::string addEvent(EventAge age) override;
+    std::string addEvent(const EventWish& wish) override;
     std::string served() override;
 
   private:

@@ -1,13 +1,15 @@
 // Makes the engine's one file: node bundle/bundle.js OUTPUT [DEPFILE]. The base map's data, the style
 // sheet and the licences of what is inside go into it, so that a page needs nothing else. DEPFILE tells
 // the build which sources it came from.
-import { readFileSync, writeFileSync } from "node:fs";
+import { writeFileSync } from "node:fs";
 import { dirname, join, resolve } from "node:path";
 import { fileURLToPath } from "node:url";
 import { build } from "esbuild";
+import { licences } from "./licences.js";
 import { packWorld } from "./pack_world.js";
 
 const engine = dirname(dirname(fileURLToPath(import.meta.url)));
+const inside = ["leaflet", "@tmcw/togeojson", "fflate", "world-atlas"];
 const [output = join(engine, "maps_engine.js"), depfile] = process.argv.slice(2);
 
 const worldData = {
@@ -20,17 +22,6 @@ const worldData = {
         }));
     },
 };
-
-function licences() {
-    const inside = ["leaflet", "@tmcw/togeojson", "fflate", "world-atlas"];
-    const texts = inside.map((name) => {
-        const folder = join(engine, "node_modules", name);
-        const { version } = JSON.parse(readFileSync(join(folder, "package.json"), "utf8"));
-        return `${name} ${version}\n\n${readFileSync(join(folder, "LICENSE"), "utf8").trim()}`;
-    });
-    texts.push("Base map: Natural Earth (naturalearthdata.com), public domain");
-    return `/*\n${texts.join("\n\n----\n\n").replaceAll("*/", "* /")}\n*/\n`;
-}
 
 const result = await build({
     entryPoints: [join(engine, "src/index.js")],
@@ -48,7 +39,7 @@ const result = await build({
     absWorkingDir: engine,
     logLevel: "warning",
 });
-writeFileSync(output, result.outputFiles[0].text + licences());
+writeFileSync(output, result.outputFiles[0].text + licences(inside, "Base map: Natural Earth (naturalearthdata.com), public domain"));
 if (depfile) {
     const sources = Object.keys(result.metafile.inputs).filter((input) => !input.startsWith("world:"));
     const paths = sources.map((input) => resolve(engine, input).replaceAll(" ", "\\ "));

@@ -3,7 +3,7 @@
 
 const listenersOf = Symbol("listeners");
 
-export function report(error) {
+function report(error) {
     if (typeof reportError === "function") {
         reportError(error);
     } else {
@@ -80,10 +80,6 @@ export const event = {
         }
     },
 };
-
-export function hasListeners(instance, name) {
-    return (instance[listenersOf]?.get(name)?.length ?? 0) > 0;
-}
 
 // What the objects of the API have in common: the page's own values are plain properties.
 export class MVCObject {

@@ -10,10 +10,11 @@ import { Map } from "./map.js";
 import { Marker } from "./marker.js";
 import { Polyline } from "./polyline.js";
 
-const sheet = document.createElement("style");
-// Leaflet's own pictures belong to controls that are not used.
-sheet.textContent = style.replace(/url\([^)]*\)/g, "none") + ownStyle;
-document.head.prepend(sheet);
+// Not a <style> element, which a page's content security policy may forbid. Leaflet's own pictures
+// belong to controls that are not used.
+const sheet = new CSSStyleSheet();
+sheet.replaceSync(style.replace(/url\([^)]*\)/g, "none") + ownStyle);
+document.adoptedStyleSheets = [sheet, ...document.adoptedStyleSheets];
 L.noConflict();
 
 window.google = window.google ?? {};

@@ -1,29 +1,11 @@
-#include "ingest/row_writer.h"
+#include "database/row_writer.h"
 
-#include <sqlite3.h>
+#include "database/database_errors.h"
 
 #include <optional>
 #include <utility>
 
 namespace tremor {
-
-namespace {
-
-// True for errors of one row alone. After any other one (locked, full, broken file) SQLite may
-// have ended the transaction by itself, and each further row would wait for the lock again.
-bool refusesTheRowOnly(int error) {
-    switch (error & 0xff) { // extended codes keep the primary one in the low byte
-    case SQLITE_CONSTRAINT:
-    case SQLITE_MISMATCH:
-    case SQLITE_TOOBIG:
-    case SQLITE_RANGE:
-        return true;
-    default:
-        return false;
-    }
-}
-
-} // namespace
 
 Transaction::Transaction(Database& database)
     : database_(database), open_(database.slsExe("BEGIN TRANSACTION;") == 0) {}
@@ -57,6 +39,7 @@ bool RowWriter::write(std::initializer_list<std::string_view> values) {
     const int error = database_.execute(statement_, places_);
     if (error == 0)
         return true;
+    // Each further row would wait again for a lock.
     if (!refusesTheRowOnly(error))
         return false;
     lose(database_.slGetError());

@@ -1,0 +1,11 @@
+# Read by CPack for each kind of package: the components that go into it.
+list(GET CPACK_INSTALL_CMAKE_PROJECTS 0 build_folder)
+if(CPACK_GENERATOR STREQUAL "DEB")
+    set(components System)
+else()
+    set(components Folder Notices)
+endif()
+set(CPACK_INSTALL_CMAKE_PROJECTS)
+foreach(component IN LISTS components)
+    list(APPEND CPACK_INSTALL_CMAKE_PROJECTS ${build_folder} ${CPACK_PACKAGE_NAME} ${component} /)
+endforeach()
