@@ -27,6 +27,16 @@ class IgnoringPrompts : public Prompts {
     int errors = 0;
 };
 
+class BoxCounter : public IgnoringPrompts {
+  public:
+    BoxAnswer showMessageBox(const MessageBox&) override {
+        ++boxes;
+        return BoxAnswer::Ok;
+    }
+
+    int boxes = 0;
+};
+
 class StandingClock : public Clock {
   public:
     DateTime now() const override { return {}; }

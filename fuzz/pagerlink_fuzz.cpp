@@ -54,20 +54,11 @@ class TurningClock : public fuzzing::StandingClock {
     int turns = 0;
 };
 
-class BoxCounter : public fuzzing::IgnoringPrompts {
-  public:
-    BoxAnswer showMessageBox(const MessageBox&) override {
-        ++boxes;
-        return BoxAnswer::Ok;
-    }
-    int boxes = 0;
-};
-
 void fillTheWindow(std::string_view replies) {
     auto own = std::make_unique<FuzzedServer>(replies);
     FuzzedServer& server = *own;
     TurningClock clock;
-    BoxCounter prompts;
+    fuzzing::BoxCounter prompts;
     const Session session;
     PagerlinkSettings window(std::move(own), prompts, clock, session);
     clock.onPump = [&] { server.arrival(); };
@@ -89,7 +80,7 @@ void fillTheWindow(std::string_view replies) {
 void dispatch(std::string_view replies, Database& database) {
     FuzzedServer server(replies);
     TurningClock clock;
-    BoxCounter prompts;
+    fuzzing::BoxCounter prompts;
     bool ticksHeld = false;
     ErrorReport errors(
         prompts, [] { std::abort(); }, 0, ticksHeld);

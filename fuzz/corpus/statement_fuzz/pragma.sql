@@ -1,0 +1,1 @@
+1select * from pragma_user_version, pragma_journal_mode('wal')

@@ -1,0 +1,1 @@
+1select * from Events where ( Magnitude >= '3' ) ORDER BY UTC DESC

@@ -1,0 +1,1 @@
+1select 1; delete from Events

@@ -1,0 +1,1 @@
+1select count(*) from (with recursive n(i) as (select 0 union all select i + 1 from n) select i from n)
