@@ -180,11 +180,14 @@ class MapSite::Answers : public QWebEngineUrlSchemeHandler {
             network_.get(QNetworkRequest(QUrl(webHost_.toString() + overlayPath + file)));
         // The request may be given up before the host answers.
         connect(reply, &QNetworkReply::finished, &job, [this, reply, &job, file] {
-            const QByteArray bytes = reply->error() == QNetworkReply::NoError
-                                         ? reply->read(largestOverlay)
-                                         : QByteArray();
+            const QByteArray bytes =
+                reply->error() == QNetworkReply::NoError ? reply->readAll() : QByteArray();
             noteHost(!bytes.isEmpty(), file);
             answer(job, overlayType(), bytes.isEmpty() ? contents(images_ + file) : bytes);
+        });
+        connect(reply, &QNetworkReply::readyRead, reply, [reply] {
+            if (reply->bytesAvailable() > largestOverlay)
+                reply->abort();
         });
         connect(reply, &QNetworkReply::finished, reply, &QObject::deleteLater);
     }

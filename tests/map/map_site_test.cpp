@@ -144,6 +144,14 @@ TEST_F(Site, OverlaysComeFromTheProgramsFolderWhenTheWebHostIsSilentOrAway) {
     EXPECT_EQ(request(environment.hosts.WebHost + "/TremorLedger/none.txt"), "failed");
 }
 
+TEST_F(Site, AnOverlayThatGoesOnAndOnIsNotTakenFromTheWebHost) {
+    writeFileAtomically(folder.file("Img/a.txt"), "own", false);
+    OneAnswerServer host(response("200 OK", QByteArray(60 << 20, 'x')));
+    environment.hosts.WebHost = host.address();
+    ASSERT_TRUE(showPage(mapsDouble));
+    EXPECT_TRUE(request(host.address() + "/TremorLedger/a.txt") == "is own"); // else 60 MiB
+}
+
 TEST_F(Site, AnOverlayIsAFileOfTheImageFolderAlone) {
     writeFileAtomically(folder.file("secret.txt"), "secret", false);
     ASSERT_TRUE(showPage(mapsDouble));
