@@ -43,6 +43,9 @@ class SoakJourney : public NotificationJourney {
     // One more event of the primary source, and just one mail, fifteen notices and two messages of
     // it.
     ::testing::AssertionResult aNewEventIsReportedOnce(const SourceChoice& choice);
+    // From now on an event that the EMSC has said and lists no more may be missing: its feed has
+    // the latest 50 only, so what a killed poll has lost of it may not come again.
+    void letKilledPollsLoseEvents() { pollsAreKilled_ = true; }
     void hold() { journey_.service("/practice/hold"); }
     void go() { journey_.service("/practice/go"); }
 
@@ -55,6 +58,7 @@ class SoakJourney : public NotificationJourney {
 
   private:
     void expectWhatTheSourcesSaid(const SourceChoice& choice);
+    std::vector<EventRow> rowsOfEmsc();
     void clickARow();
     void dragTheMap();
     void searchAndLeave();
@@ -62,6 +66,7 @@ class SoakJourney : public NotificationJourney {
     int below(int bound); // 0 to bound - 1
 
     std::set<EventRow> isideRows_; // an export has those of its days only
+    bool pollsAreKilled_ = false;
     std::size_t nextFault_ = 0;
     std::vector<std::string> faultsSoFar_;
 };

@@ -124,6 +124,7 @@ TEST_F(Kills, TheProgramGoesOnBehindAKillAtAnyMoment) {
     };
     say(fmt::format("{} kills, seed {:.0f}", kills,
                     numberOfVariable("TREMOR_SOAK_SEED", defaultSeed)));
+    letKilledPollsLoseEvents();
     ASSERT_NO_FATAL_FAILURE(learnWholeSettings());
     for (int i = 1; i <= kills && !HasFailure(); ++i) {
         const Moment moment = drawMoment();
