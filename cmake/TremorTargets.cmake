@@ -26,6 +26,8 @@ function(tremor_common_options target)
     endif()
 endfunction()
 
+include(TremorHeaders)
+
 # Remembers the sources of a kind of library for the layering test.
 function(tremor_record_sources property)
     foreach(source IN LISTS ARGN)
@@ -52,7 +54,17 @@ function(tremor_qt_options target)
         QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_URL_CAST_FROM_STRING
         QT_NO_CONTEXTLESS_CONNECT QT_NO_FOREACH QT_NO_KEYWORDS
         QT_DISABLE_DEPRECATED_BEFORE=0x060400)
-    target_precompile_headers(${target} PRIVATE <QtWidgets/QtWidgets>)
+endfunction()
+
+# Tests are compiled more often than they run; what they test keeps the optimiser's full care.
+function(tremor_test_options target)
+    tremor_common_options(${target})
+    # Qt asks its users for position-independent code; said to all, so that they can share compiled
+    # headers.
+    target_compile_options(${target} PRIVATE -fPIC)
+    if(CMAKE_BUILD_TYPE STREQUAL "Release")
+        target_compile_options(${target} PRIVATE -O0)
+    endif()
 endfunction()
 
 # A library of windows on top of a logic library.
@@ -63,24 +75,34 @@ function(tremor_window_library target)
     target_link_libraries(${target} PUBLIC ${ARG_LINKS} Qt6::Widgets)
     tremor_common_options(${target})
     tremor_qt_options(${target})
+    tremor_compiled_headers(${target} tremor_qt_headers)
 endfunction()
 
-# One test program for a folder; every TEST becomes a CTest test of its own.
+# One test program for a folder; every TEST becomes a CTest test of its own. LABELS and TIMEOUT (in
+# seconds, 300 unless given) are CTest's. WINDOWS: draws on no screen; brings its own main().
 function(tremor_test target)
-    cmake_parse_arguments(ARG "WINDOWS" "" "SOURCES;LINKS" ${ARGN})
+    cmake_parse_arguments(ARG "WINDOWS" "TIMEOUT" "SOURCES;LINKS;LABELS" ${ARGN})
+    if(NOT ARG_TIMEOUT)
+        set(ARG_TIMEOUT 300)
+    endif()
     add_executable(${target} ${ARG_SOURCES})
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_compile_definitions(${target} PRIVATE
         TREMOR_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data")
     target_link_libraries(${target} PRIVATE ${ARG_LINKS} GTest::gtest)
-    tremor_common_options(${target})
+    tremor_test_options(${target})
+    set(properties TIMEOUT ${ARG_TIMEOUT})
+    if(ARG_LABELS)
+        list(APPEND properties LABELS ${ARG_LABELS})
+    endif()
     if(ARG_WINDOWS)
         target_link_libraries(${target} PRIVATE Qt6::Widgets)
         tremor_qt_options(${target})
-        gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60
-            PROPERTIES TIMEOUT 300 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+        tremor_compiled_headers(${target} tremor_window_test_headers)
+        list(APPEND properties ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
     else()
         target_link_libraries(${target} PRIVATE GTest::gtest_main)
-        gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+        tremor_compiled_headers(${target} tremor_test_headers)
     endif()
+    gtest_discover_tests(${target} DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
 endfunction()
