@@ -31,11 +31,6 @@ constexpr std::pair<std::string_view, IsideFault> faultKinds[] = {
     {"export-empty", IsideFault::ExportEmpty},
     {"expired", IsideFault::Expired}};
 
-std::string valueOf(const Request& request, const std::string& key) {
-    const std::string* value = request.find(key);
-    return value == nullptr ? std::string() : *value;
-}
-
 SiteAnswer page(std::string_view body) {
     return {{200,
              fmt::format("<!DOCTYPE html><html><head><title>ISIDE</title></head><body>{}</body>"
@@ -119,7 +114,7 @@ SiteAnswer IsideSite::answer(const SiteRequest& request) {
 }
 
 SiteAnswer IsideSite::index(const SiteRequest& request, bool loggedIn) {
-    const bool wantsLogin = valueOf(request, "page") == "login";
+    const bool wantsLogin = request.value("page") == "login";
     if (!loggedIn)
         return wantsLogin ? loginPage({}) : redirect(fmt::format("{}?page=login", indexPath));
     return wantsLogin ? redirect(indexPath) : page("<h1>ISIDE</h1>Welcome.");
@@ -137,8 +132,8 @@ SiteAnswer IsideSite::loginPage(std::string_view message) const {
 }
 
 SiteAnswer IsideSite::login(const SiteRequest& request) {
-    if (fault_ == IsideFault::LoginRefused || valueOf(request, "login_email") != user ||
-        valueOf(request, "login_pwd") != password)
+    if (fault_ == IsideFault::LoginRefused || request.value("login_email") != user ||
+        request.value("login_pwd") != password)
         return loginPage("Wrong user or password.");
     const std::string session = newSession();
     sessions_[session] = {.firstDay = today(), .lastDay = today()};
@@ -148,7 +143,7 @@ SiteAnswer IsideSite::login(const SiteRequest& request) {
 }
 
 SiteAnswer IsideSite::result(const SiteRequest& request, const Search& search) {
-    if (valueOf(request, "rst") == "1")
+    if (request.value("rst") == "1")
         return searchForm();
     return page(fmt::format("<p>Events found.</p><p id=result>{}</p>", found(search).size()));
 }
@@ -168,8 +163,8 @@ SiteAnswer IsideSite::searchForm() const {
 }
 
 SiteAnswer IsideSite::search(const SiteRequest& request, Search& search) const {
-    search = {.firstDay = valueOf(request, "date_from"),
-              .lastDay = valueOf(request, "date_to"),
+    search = {.firstDay = request.value("date_from"),
+              .lastDay = request.value("date_to"),
               .anyMagnitude = request.find("disable_magnitude") != nullptr,
               .anyPosition = request.find("disable_lat_lon") != nullptr};
     return redirect(fmt::format("{}?page=EVENTS#result", resultPath));
@@ -218,7 +213,7 @@ Answer IsideSite::control(const Request& request) {
     const std::lock_guard lock(mutex_);
     if (!request.path.ends_with("/fault"))
         return {200, lastExport_};
-    const std::string kind = valueOf(request, "kind");
+    const std::string kind = request.value("kind");
     const auto* const found = std::find_if(std::begin(faultKinds), std::end(faultKinds),
                                            [&](const auto& entry) { return entry.first == kind; });
     if (found == std::end(faultKinds))

@@ -9,7 +9,6 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <cstring>
 #include <stdexcept>
 #include <utility>
 
@@ -145,14 +144,12 @@ std::vector<std::string> PagerlinkService::paths() const {
 Answer PagerlinkService::answer(const Request& request) {
     const std::string_view action = std::string_view(request.path).substr(path.size());
     if (action == "/fault") {
-        const std::string* kind = request.find("kind");
-        const auto fault = pagerlinkFaultFromText(kind == nullptr ? "" : *kind);
+        const auto fault = pagerlinkFaultFromText(request.value("kind"));
         if (!fault)
             return {400, "kind is silent, refusing, garbage, foreign, late or none\n"};
         setFault(*fault);
     } else if (action == "/users") {
-        const std::string* names = request.find("names");
-        setUsers(names == nullptr ? "" : *names);
+        setUsers(request.value("names"));
     } else if (action == "/clear") {
         const std::lock_guard lock(mutex_);
         datagrams_.clear();

@@ -1,7 +1,6 @@
 #include "practice_feeds/practice_server.h"
 
 #include "practice_feeds/emsc_feed.h"
-#include "practice_feeds/epicentres.h"
 #include "practice_feeds/fault_plan.h"
 #include "practice_feeds/faulty_answer.h"
 #include "practice_feeds/geonames_area.h"
@@ -10,6 +9,7 @@
 #include "practice_feeds/liveloc_folder.h"
 #include "practice_feeds/pagerlink_service.h"
 #include "practice_feeds/seiscomp_folder.h"
+#include "practice_feeds/service_catalogues.h"
 #include "practice_feeds/telegram_service.h"
 #include "practice_feeds/usgs_feed.h"
 
@@ -20,8 +20,7 @@
 #include <atomic>
 #include <charconv>
 #include <cmath>
-#include <fstream>
-#include <iterator>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -50,47 +49,6 @@ struct HostKey {
 constexpr HostKey hostKeys[] = {
     {"InternetProbe", ""}, {"Ingv", ""},     {"Usgs", UsgsFeed::prefix},        {"Emsc", ""},
     {"Iside", ""},         {"Telegram", ""}, {"GeoNames", GeoNamesArea::prefix}};
-
-UtcTime systemNow() {
-    return std::chrono::floor<std::chrono::microseconds>(std::chrono::system_clock::now());
-}
-
-FdsnDocument readDocument(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream)
-        throw std::runtime_error("cannot read " + path);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    try {
-        return parseFdsnDocument(text);
-    } catch (const std::runtime_error& error) {
-        throw std::runtime_error(path + ": " + error.what());
-    }
-}
-
-GrowingCatalogue ingvCatalogue(const ServerOptions& options) {
-    const std::string folder = options.dataFolder + "/ingv/";
-    return {readDocument(folder + "ingv_2026-06-15_2026-06-29.txt"),
-            drawFrom(readDocument(folder + "derived_laquila_2009-04-06.txt")), options.catalogue,
-            systemNow};
-}
-
-// The program asks the USGS for whole days that are over, so there must be some.
-GrowingCatalogue usgsCatalogue(const ServerOptions& options) {
-    return madeUpCatalogue(worldReporting(), 240, 240h, options.catalogue, systemNow);
-}
-
-GrowingCatalogue emscCatalogue(const ServerOptions& options) {
-    return madeUpCatalogue(euroMediterraneanReporting(), 60, 24h, options.catalogue, systemNow);
-}
-
-// A solution of SeisComP takes over every row of its time, so that no other source may have just
-// these times: here local origins are earlier.
-constexpr auto localLag = 3s;
-
-GrowingCatalogue localCatalogue(const ServerOptions& options) {
-    return madeUpCatalogue(localReporting(), 3, 6h, options.catalogue,
-                           [] { return systemNow() - localLag; });
-}
 
 std::optional<int> wholeNumber(const std::string& text) {
     int number = 0;
@@ -214,18 +172,19 @@ class PracticeServer::Impl {
 
 PracticeServer::Impl::Impl(const ServerOptions& options)
     : held_(options.catalogue.held),
-      ingv_(ingvCatalogue(options), options.catalogue.fixed),
-      usgs_(usgsCatalogue(options)),
-      emsc_(emscCatalogue(options)),
+      ingv_(ingvCatalogue(options.dataFolder, options.catalogue), options.catalogue.fixed),
+      usgs_(usgsCatalogue(options.catalogue)),
+      emsc_(emscCatalogue(options.catalogue)),
       geoNames_(options.dataFolder + "/geonames"),
-      iside_(ingvCatalogue(options)) {
+      iside_(ingvCatalogue(options.dataFolder, options.catalogue)) {
     if (!options.seisCompFolder.empty()) {
-        seisComp_ =
-            std::make_unique<SeisCompFolder>(options.seisCompFolder, localCatalogue(options));
+        seisComp_ = std::make_unique<SeisCompFolder>(options.seisCompFolder,
+                                                     localCatalogue(options.catalogue));
         locators_.push_back(seisComp_.get());
     }
     if (!options.livelocFolder.empty()) {
-        liveloc_ = std::make_unique<LivelocFolder>(options.livelocFolder, localCatalogue(options));
+        liveloc_ = std::make_unique<LivelocFolder>(options.livelocFolder,
+                                                   localCatalogue(options.catalogue));
         locators_.push_back(liveloc_.get());
     }
     sources_.insert(sources_.end(), locators_.begin(), locators_.end());

@@ -2,7 +2,6 @@
 
 #include "practice_feeds/growing_catalogue.h"
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,8 +28,8 @@ struct ServerOptions {
 //   /practice/given[?source=NAME]              each line of the documents given without a fault
 //   /practice/hold                             nothing changes by itself until /practice/go
 //   /practice/last                             the last document given without a fault
-//   /practice/log                              "GET target" of each request so far, answered or
-//   not, one a line
+//   /practice/log                              "GET target" of each request so far, one a line,
+//                                              answered or not
 //   /practice/pagerlink…                       see pagerlink_service.h
 //   /practice/iside…                           see iside_site.h
 //   /practice/geonames/fault?kind=KIND[&count=N]   a fault of GeoNames alone

@@ -20,6 +20,12 @@ struct Request {
         const auto entry = query.find(key);
         return entry == query.end() ? nullptr : &entry->second;
     }
+
+    // The value of a key; empty when the request has none.
+    std::string value(const std::string& key) const {
+        const std::string* found = find(key);
+        return found == nullptr ? std::string() : *found;
+    }
 };
 
 struct Answer {

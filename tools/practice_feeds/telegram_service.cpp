@@ -31,11 +31,6 @@ std::optional<std::int64_t> wholeNumber(const std::string* text) {
     return number;
 }
 
-std::string valueOf(const Request& request, const std::string& key) {
-    const std::string* value = request.find(key);
-    return value == nullptr ? std::string() : *value;
-}
-
 std::string decoded(std::string_view text) {
     std::string plain;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -100,7 +95,7 @@ std::optional<std::string_view> fault(const std::string& method, const Request& 
             return "Bad Request: wrong location";
         return std::nullopt;
     }
-    const std::string text = valueOf(request, "text");
+    const std::string text = request.value("text");
     if (!isValidUtf8(text))
         return "Bad Request: strings must be encoded in UTF-8";
     if (text.find_first_not_of(" \n") == std::string::npos)
@@ -113,8 +108,8 @@ std::optional<std::string_view> fault(const std::string& method, const Request& 
 std::string content(const std::string& method, const Request& request) {
     if (method == "sendLocation")
         return fmt::format(R"("location":{{"latitude":{},"longitude":{}}})",
-                           valueOf(request, "latitude"), valueOf(request, "longitude"));
-    return "\"text\":" + jsonText(valueOf(request, "text"));
+                           request.value("latitude"), request.value("longitude"));
+    return "\"text\":" + jsonText(request.value("text"));
 }
 
 std::int64_t secondsNow() {
@@ -188,7 +183,7 @@ Answer TelegramService::getUpdates(const Request& request) {
 }
 
 Answer TelegramService::send(const std::string& method, const Request& request) {
-    if (valueOf(request, "chat_id").empty())
+    if (request.value("chat_id").empty())
         return failure(400, "Bad Request: chat_id is empty");
     const auto id = wholeNumber(request.find("chat_id"));
     const auto chat = id ? chats_.find(*id) : chats_.end();
@@ -225,10 +220,10 @@ Answer TelegramService::control(const Request& request) {
 }
 
 Answer TelegramService::write(Chats::key_type id, const Request& request) {
-    if (valueOf(request, "first_name").empty())
+    if (request.value("first_name").empty())
         return {400, "first_name is the writer's\n"};
     Chat& chat = chats_[id];
-    chat = {valueOf(request, "first_name"), valueOf(request, "last_name"), false};
+    chat = {request.value("first_name"), request.value("last_name"), false};
     const std::string* text = request.find("text");
     addUpdate(messageBody({id, chat}, text == nullptr ? "/start" : *text));
     return {200, "ok\n"};

@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include <cctype>
-#include <cmath>
 #include <stdexcept>
 #include <utility>
 
