@@ -4,6 +4,7 @@
 #include "core/hosts.h"
 #include "core/settings_table.h"
 #include "core/settings_utilities.h"
+#include "ignoring_prompts.h"
 
 #include <cmath>
 #include <cstdint>
@@ -14,19 +15,6 @@
 namespace {
 
 using namespace tremor;
-
-class IgnoringPrompts : public Prompts {
-  public:
-    BoxAnswer showMessageBox(const MessageBox&) override { return BoxAnswer::Ok; }
-    std::optional<std::string> inputBox(std::string_view, std::string_view) override { return {}; }
-    std::optional<std::string> showFileDialog(const FileDialogRequest&) override { return {}; }
-    std::string browseForFolder(std::string_view) override { return {}; }
-    ErrorAnswer showRuntimeError(std::string_view, std::string_view, int) override {
-        ++errors;
-        return ErrorAnswer::Ignore;
-    }
-    int errors = 0;
-};
 
 // Texts and whole numbers must be equal, floats as far as their written digits reach.
 template <class Value>
@@ -66,7 +54,7 @@ void expectSame(const AppSettings& first, const AppSettings& second) {
 }
 
 void readBothWays(std::string_view text, const NumberLocale& locale) {
-    IgnoringPrompts prompts;
+    fuzzing::BoxCounter prompts;
     bool ticksHeld = false;
     ErrorReport errors(
         prompts, [] { std::abort(); }, 0, ticksHeld);

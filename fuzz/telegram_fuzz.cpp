@@ -2,6 +2,7 @@
 // followers that came of them.
 #include "alerts/telegram_bot.h"
 #include "core/code_pages.h"
+#include "ignoring_prompts.h"
 
 #include <stdlib.h>
 
@@ -28,17 +29,7 @@ struct Echo : TelegramTransfer {
     std::string_view reply;
 };
 
-struct Silent : Prompts, Log, EarthRoutines, TownsList {
-    BoxAnswer showMessageBox(const MessageBox&) override { std::abort(); }
-    std::optional<std::string> inputBox(std::string_view, std::string_view) override {
-        std::abort();
-    }
-    std::optional<std::string> showFileDialog(const FileDialogRequest&) override { std::abort(); }
-    std::string browseForFolder(std::string_view) override { std::abort(); }
-    ErrorAnswer showRuntimeError(std::string_view, std::string_view, int) override {
-        ++boxes;
-        return ErrorAnswer::Ignore;
-    }
+struct Silent : fuzzing::IgnoringPrompts, Log, EarthRoutines, TownsList {
     void addLogToList(std::string_view message) override {
         require(message.find("1:token") == std::string_view::npos);
     }
@@ -51,8 +42,6 @@ struct Silent : Prompts, Log, EarthRoutines, TownsList {
     }
     void clear() override {}
     void add(std::string_view) override {}
-
-    int boxes = 0;
 };
 
 // One bot for all inputs, its catalogue emptied before each.
@@ -83,11 +72,11 @@ class World {
     void receive(std::string_view reply) {
         require(database_.slsExe("delete from TelegramChats") == 0);
         service_.reply = reply;
-        silent_.boxes = 0;
+        silent_.errors = 0;
         std::int32_t added = 0;
         bool changed = false;
         bot_.checkIdTelegram(added, changed);
-        require(silent_.boxes <= 1 && changed == (added > 0) && !session_.ImportInProgress);
+        require(silent_.errors <= 1 && changed == (added > 0) && !session_.ImportInProgress);
         const std::size_t came = count("select count(*) from TelegramChats");
         require(came <= static_cast<std::size_t>(added));
         bot_.checkIdTelegram(added, changed);
