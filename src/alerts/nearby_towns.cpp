@@ -36,14 +36,6 @@ struct townDistance {
     double Distance = 0; // km
 };
 
-double coordinateOrZero(std::string_view text) {
-    try {
-        return coordinateToDouble(text);
-    } catch (const RuntimeError&) {
-        return 0;
-    }
-}
-
 Point walk(const EarthRoutines& earth, double latitude, double longitude,
            std::string_view bearing) {
     const std::string end = earth.revealBounds(latitude, longitude, bearing, nearKm);

@@ -177,6 +177,14 @@ double coordinateToDouble(std::string_view text) {
     return textToDouble(CommaToDot(text), ungrouped);
 }
 
+double coordinateOrZero(std::string_view text) {
+    try {
+        return coordinateToDouble(text);
+    } catch (const RuntimeError&) {
+        return 0;
+    }
+}
+
 std::int32_t textToLong(std::string_view text, const NumberLocale& locale) {
     return doubleToLong(textToDouble(text, locale));
 }

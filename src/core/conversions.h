@@ -21,6 +21,9 @@ double textToDouble(std::string_view text, const NumberLocale& locale);
 // digits, under every locale. Everything else and the errors as in textToDouble.
 double coordinateToDouble(std::string_view text);
 
+// The same, and 0 for what is no number.
+double coordinateOrZero(std::string_view text);
+
 // textToDouble rounded half to even; error 6 (Overflow) outside the 32-bit or 16-bit range.
 std::int32_t textToLong(std::string_view text, const NumberLocale& locale);
 std::int16_t textToInteger(std::string_view text, const NumberLocale& locale);

@@ -1,6 +1,7 @@
 #include "ingest/start_services.h"
 
 #include "core/dates.h"
+#include "core/event_query.h"
 #include "core/flag_scope.h"
 #include "core/latest_hours.h"
 
@@ -91,8 +92,7 @@ void StartServices::fillViews(ProcedureTrace& trace) {
         return;
     }
     fillGridOfWorkspace(trace);
-    trace.step(
-        [&] { steps_.eventsInMap("select * from Events where " + settings_.searchParQuery); });
+    trace.step([&] { steps_.eventsInMap(std::string(selectEvents) + settings_.searchParQuery); });
     trace.step([&] { steps_.pictureMagnitudeEvents(); });
     trace.step([&] { steps_.boundsVisualizedMap(); });
     trace.step([&] { steps_.repaintChart(); });

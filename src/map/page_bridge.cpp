@@ -2,6 +2,7 @@
 
 #include "core/common_text.h"
 #include "core/conversions.h"
+#include "core/event_query.h"
 #include "core/flag_scope.h"
 #include "core/latest_hours.h"
 
@@ -15,7 +16,6 @@ namespace tremor {
 namespace {
 
 constexpr std::string_view module = "Form - panel";
-constexpr std::string_view selectEvents = "select * from Events where ";
 constexpr std::chrono::milliseconds waitTurn{10};
 constexpr double scaleBarPixels = 40;
 constexpr double metresPerKilometre = 1000;

@@ -1,17 +1,12 @@
 #include "map/query_to_controls.h"
 
 #include "core/dates.h"
+#include "core/event_query.h"
 #include "core/latest_hours.h"
 
 #include <string>
 
 namespace tremor {
-namespace {
-
-constexpr std::string_view selectEvents = "select * from Events where ";
-
-} // namespace
-
 QueryToControls::QueryToControls(AppSettings& settings, Session& session, Clock& clock,
                                  QueryToControlsSteps& steps, ErrorReport& errors)
     : settings_(settings), session_(session), clock_(clock), steps_(steps), errors_(errors) {}

@@ -3,6 +3,7 @@
 #include "core/common_text.h"
 #include "core/conversions.h"
 #include "core/dates.h"
+#include "core/event_query.h"
 
 #include <fmt/format.h>
 
@@ -15,7 +16,6 @@ namespace tremor {
 namespace {
 
 constexpr std::string_view module = "Form - frmSearch";
-constexpr std::string_view selectEvents = "select * from Events where ";
 constexpr std::int32_t manyEvents = 300;
 
 // Magnitudes of a workspace that is saved without a range of them.
@@ -24,15 +24,6 @@ constexpr std::string_view highestMagnitude = "8";
 
 constexpr std::string_view northOfCentre = "45"; // bearings of the corners, degrees
 constexpr std::string_view southOfCentre = "225";
-
-// Operators type the centre with either decimal mark. What is no number is 0.
-double coordinateOfCentre(std::string_view text) {
-    try {
-        return coordinateToDouble(text);
-    } catch (const RuntimeError&) {
-        return 0;
-    }
-}
 
 // A step of the display that fails is passed over: the others still run.
 template <class Step>
@@ -166,8 +157,8 @@ std::optional<std::string> SearchFilter::areaClause(const SearchParameters& give
 
 // The square whose corners, not sides, lie at the distance from the centre.
 MapBounds SearchFilter::cornersFromCentre(const SearchParameters& given) const {
-    const double latitude = coordinateOfCentre(given.BL_Latitude);
-    const double longitude = coordinateOfCentre(given.BL_Longitude);
+    const double latitude = coordinateOrZero(given.BL_Latitude);
+    const double longitude = coordinateOrZero(given.BL_Longitude);
     const double distanceKm = ParseDotDouble(given.distance, context_.locale);
     const std::string northEast =
         CommaToDot(geodesy_.revealBounds(latitude, longitude, northOfCentre, distanceKm));
@@ -257,7 +248,7 @@ bool SearchFilter::checkGPS(const SearchParameters& given) {
         Check{given.TR_Longitude, false, 180, "Range of the Longitude is from +180 to -180"},
     };
     const auto outside = [this](const Check& check) {
-        const double value = check.centre ? coordinateOfCentre(check.text)
+        const double value = check.centre ? coordinateOrZero(check.text)
                                           : ParseDotDouble(check.text, context_.locale);
         return !(-check.limit < value && value < check.limit);
     };

@@ -1,5 +1,6 @@
 #include "workspaces/workspace_windows.h"
 
+#include "core/event_query.h"
 #include "core/latest_hours.h"
 
 #include <algorithm>
@@ -9,7 +10,6 @@ namespace tremor {
 namespace {
 
 constexpr std::string_view module = "Form - panel";
-constexpr std::string_view selectEvents = "select * from Events where ";
 constexpr std::chrono::milliseconds waitTurn{10};
 constexpr std::chrono::minutes longestLoad{1};
 

@@ -2,6 +2,7 @@
 
 #include "core/common_text.h"
 #include "core/database_name.h"
+#include "core/event_query.h"
 #include "core/latest_hours.h"
 #include "workspaces/pasted_statement.h"
 
@@ -15,7 +16,6 @@ namespace tremor {
 namespace {
 
 constexpr std::string_view module = "Form - panel";
-constexpr std::string_view selectEvents = "select * from Events where ";
 constexpr std::string_view newestOnly = " order by UTC desc limit 1";
 constexpr std::chrono::milliseconds waitTurn{10};
 constexpr std::chrono::minutes longestLoad{1};

@@ -174,6 +174,12 @@ TEST(CoordinateToDouble, KnowsNoGroupMark) {
         EXPECT_EQ(errorOf([&] { coordinateToDouble(text); }), ErrorNumber::TypeMismatch) << text;
 }
 
+TEST(CoordinateOrZero, IsZeroForWhatIsNoNumber) {
+    EXPECT_EQ(coordinateOrZero("13,23"), 13.23);
+    for (const char* text : {"1.234,5", "", "north", "1E999"})
+        EXPECT_EQ(coordinateOrZero(text), 0) << text;
+}
+
 TEST(TextToLong, RoundsHalvesToTheEvenNeighbour) {
     const std::vector<TextCase> cases = {{"0.5", 0},   {"1.5", 2},  {"2.5", 2},   {"-0.5", 0},
                                          {"-1.5", -2}, {"2.51", 3}, {"-2.5", -2}, {"1E3", 1000}};
