@@ -1,4 +1,5 @@
 #include "journeys/journey.h"
+#include "journeys/source_rows.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

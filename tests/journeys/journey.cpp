@@ -16,7 +16,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <locale>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -222,6 +221,18 @@ void Journey::startProgram() {
                                        "LC_ALL=C.UTF-8", "QT_QPA_PLATFORM=xcb"};
     variables.insert(variables.end(), variables_.begin(), variables_.end());
     program_ = spawn({file("TremorLedger")}, folder_ + "/program.log", variables, true);
+}
+
+void Journey::startWithNewCatalogue(const std::string& name) {
+    startProgram();
+    waitForWindow("Database error...");
+    key("Return");
+    waitForWindow("TREMORLEDGER 1.");
+    key("alt+f c");
+    waitForWindow("=TREMORLEDGER");
+    type(name);
+    key("Return");
+    waitForWindow(" - Database: " + name + ".sqlite");
 }
 
 bool Journey::programRuns() {
@@ -432,33 +443,6 @@ void Journey::change(const std::string& catalogue, const std::string& sql) const
     sqlite3_busy_timeout(raw, 5000);
     if (sqlite3_exec(raw, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
         throw std::runtime_error(sqlite3_errmsg(raw));
-}
-
-// A real number in its shortest form.
-std::string numberInCatalogue(const std::string& text) {
-    std::ostringstream stream;
-    stream.imbue(std::locale::classic());
-    stream.precision(15);
-    stream << std::stod(text);
-    std::string result = stream.str();
-    if (result.find_first_of(".e") == std::string::npos)
-        result += ".0";
-    return result;
-}
-
-std::vector<EventRow> rowsOfDocument(const std::string& document) {
-    std::vector<EventRow> rows;
-    for (const std::string& line : splitAt(document, '\n')) {
-        const std::vector<std::string> fields = splitAt(line, '|');
-        if (fields.size() < 13 || line[0] == '#')
-            continue;
-        std::string utc = fields[1];
-        std::replace(utc.begin(), utc.end(), 'T', ' ');
-        utc.resize(utc.size() - 3);
-        rows.push_back({utc, numberInCatalogue(fields[2]), numberInCatalogue(fields[3]),
-                        numberInCatalogue(fields[4]), numberInCatalogue(fields[10]), fields[5]});
-    }
-    return rows;
 }
 
 } // namespace tremor::journeys

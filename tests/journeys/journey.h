@@ -62,6 +62,8 @@ class Journey {
 
     // The program.
     void startProgram();
+    // Starts it where there is no catalogue yet, and creates the one of this name ("sources").
+    void startWithNewCatalogue(const std::string& name);
     bool programRuns();
     int waitForExit(std::chrono::seconds limit); // exit code; throws when it still runs
     void killProgram();                          // with all its processes, at once
@@ -111,12 +113,5 @@ class Journey {
     pid_t services_ = -1;
     pid_t program_ = -1;
 };
-
-// What a number column of the catalogue gives back for this text.
-std::string numberInCatalogue(const std::string& text);
-
-// The rows that the import rules make of an INGV document in FDSN text format, worked out here
-// on their own: one for each line with at least 13 fields that is no remark.
-std::vector<EventRow> rowsOfDocument(const std::string& document);
 
 } // namespace tremor::journeys

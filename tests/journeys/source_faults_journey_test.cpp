@@ -1,4 +1,5 @@
 #include "journeys/journey.h"
+#include "journeys/source_rows.h"
 
 #include <gtest/gtest.h>
 
@@ -22,19 +23,6 @@ void PrintTo(const Fault& fault, std::ostream* stream) {
 
 class SourceFaultJourney : public ::testing::TestWithParam<Fault> {};
 
-// A program with an opened, empty catalogue.
-void openWithEmptyCatalogue(Journey& journey) {
-    journey.startProgram();
-    journey.waitForWindow("Database error...");
-    journey.key("Return");
-    journey.waitForWindow("TREMORLEDGER 1.");
-    journey.key("alt+f c");
-    journey.waitForWindow("=TREMORLEDGER");
-    journey.type("faults");
-    journey.key("Return");
-    journey.waitForWindow(" - Database: faults.sqlite");
-}
-
 std::vector<std::string> pollingIngv() {
     return {"UsePrimaryDataSource=1", "IsideOrIngv=1",    "PrimaryPollEvery=5",
             "AlternatePollEvery=5",   "LocalPollEvery=5", "StartupLogo=1"};
@@ -43,7 +31,7 @@ std::vector<std::string> pollingIngv() {
 TEST_P(SourceFaultJourney, EndsInItsLogLineAndTheNextGoodPollHeals) {
     const Fault& fault = GetParam();
     Journey journey(pollingIngv());
-    openWithEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("faults");
 
     journey.service(std::string("/practice/fault?kind=") + fault.kind);
     journey.key("F5");
@@ -79,12 +67,12 @@ class ClosingJourney : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(ClosingJourney, TheProgramEndsAtOnceInTheWaitsOfAFailingPoll) {
     Journey journey(pollingIngv());
-    openWithEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("faults");
     journey.service(std::string("/practice/fault?kind=") + GetParam());
     journey.key("F5");
     std::this_thread::sleep_for(8s);
     journey.key("alt+f x");
-    EXPECT_EQ(journey.waitForExit(10s), 0);
+    EXPECT_EQ(journey.waitForExit(30s), 0); // 50 s are left of either wait
     EXPECT_EQ(journey.settings().at("PrimaryPollEvery"), "5");
 }
 

@@ -1,6 +1,8 @@
 #include "journeys/source_rows.h"
 
 #include <algorithm>
+#include <iterator>
+#include <locale>
 #include <regex>
 #include <sstream>
 #include <stdexcept>
@@ -35,7 +37,47 @@ std::string onlyDigitsAndPoint(const std::string& text) {
     return kept;
 }
 
+// Between bars; an empty last one counts.
+std::vector<std::string> fieldsOf(const std::string& line) {
+    std::vector<std::string> fields(1);
+    for (const char c : line) {
+        if (c == '|')
+            fields.emplace_back();
+        else
+            fields.back() += c;
+    }
+    return fields;
+}
+
 } // namespace
+
+// A real number in its shortest form.
+std::string numberInCatalogue(const std::string& text) {
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    stream.precision(15);
+    stream << std::stod(text);
+    std::string result = stream.str();
+    if (result.find_first_of(".e") == std::string::npos)
+        result += ".0";
+    return result;
+}
+
+std::vector<EventRow> rowsOfDocument(const std::string& document) {
+    std::vector<EventRow> rows;
+    std::istringstream lines(document);
+    for (std::string line; std::getline(lines, line);) {
+        const std::vector<std::string> fields = fieldsOf(line);
+        if (fields.size() < 13 || line[0] == '#')
+            continue;
+        std::string utc = fields[1];
+        std::replace(utc.begin(), utc.end(), 'T', ' ');
+        utc.resize(utc.size() - 3);
+        rows.push_back({utc, numberInCatalogue(fields[2]), numberInCatalogue(fields[3]),
+                        numberInCatalogue(fields[4]), numberInCatalogue(fields[10]), fields[5]});
+    }
+    return rows;
+}
 
 std::vector<EventRow> rowsOfQuakeMl(const std::string& document) {
     std::vector<EventRow> rows;

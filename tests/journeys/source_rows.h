@@ -8,6 +8,13 @@
 // The rows that the readers make of what a source says, worked out here on their own.
 namespace tremor::journeys {
 
+// What a number column of the catalogue gives back for this text.
+std::string numberInCatalogue(const std::string& text);
+
+// Of an INGV document in FDSN text format: one for each line with at least 13 fields that is no
+// remark.
+std::vector<EventRow> rowsOfDocument(const std::string& document);
+
 // Of a QuakeML document of the USGS: one for each `event` element.
 std::vector<EventRow> rowsOfQuakeMl(const std::string& document);
 

@@ -27,18 +27,6 @@ std::vector<std::string> polling(const std::vector<std::string>& more) {
     return lines;
 }
 
-void openEmptyCatalogue(Journey& journey) {
-    journey.startProgram();
-    journey.waitForWindow("Database error...");
-    journey.key("Return");
-    journey.waitForWindow("TREMORLEDGER 1.");
-    journey.key("alt+f c");
-    journey.waitForWindow("=TREMORLEDGER");
-    journey.type("sources");
-    journey.key("Return");
-    journey.waitForWindow(" - Database: sources.sqlite");
-}
-
 void leave(Journey& journey) {
     journey.key("alt+f x");
     EXPECT_EQ(journey.waitForExit(20s), 0);
@@ -106,7 +94,7 @@ std::vector<EventRow> rowsOfBulletins(const Journey& journey) {
 TEST(SourcesJourney, UsgsAsTheAlternateSourceFillsTheCatalogueWithItsWholeDays) {
     Journey journey(
         polling({"UseAlternateDataSource=1", "EmscOrUsgs=1", "AlternateLastNHours=24"}));
-    openEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("sources");
     journey.key("F5");
     ASSERT_TRUE(journey.waitForLog(" Events imported from USGS", 1, 30s)) << journey.activityLog();
     EXPECT_NE(journey.service("/practice/log")
@@ -132,7 +120,7 @@ TEST(SourcesJourney, UsgsAsTheAlternateSourceFillsTheCatalogueWithItsWholeDays) 
 
 TEST(SourcesJourney, EmscAsTheAlternateSourceFillsTheCatalogueWithItsLatestEvents) {
     Journey journey(polling({"UseAlternateDataSource=1", "EmscOrUsgs=0"}));
-    openEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("sources");
     journey.key("F5");
     ASSERT_TRUE(journey.waitForLog("50 Events imported from EMSC", 1, 30s))
         << journey.activityLog();
@@ -169,7 +157,7 @@ class AlternateFaultJourney : public ::testing::TestWithParam<Fault> {};
 TEST_P(AlternateFaultJourney, EndsInItsLogLineAndTheNextGoodPollHeals) {
     const Fault& fault = GetParam();
     Journey journey(polling({"UseAlternateDataSource=1", fault.setting}));
-    openEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("sources");
     journey.service(std::string("/practice/fault?kind=") + fault.kind);
     journey.key("F5");
     ASSERT_TRUE(journey.waitForLog(fault.failureLine, 1, 90s)) << journey.activityLog();
@@ -196,7 +184,7 @@ TEST(SourcesJourney, SeisCompsEventsComeInChangeAndLeaveTheFolderAfterAnHour) {
     Journey journey(
         polling({"UseLocalSource=1", "SeisCompOrLIVELOC=0", "LocalSourcePath=seiscomp/"}),
         {"seiscomp"});
-    openEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("sources");
     const auto holdsTheSolutions = [&] {
         return sorted(journey.events(catalogue)) == sorted(rowsOfBulletins(journey));
     };
@@ -231,7 +219,7 @@ TEST(SourcesJourney, SeisCompsEventsComeInChangeAndLeaveTheFolderAfterAnHour) {
 TEST(SourcesJourney, TheSFilesOfALocatorAreReadOnceAndMarked) {
     Journey journey(polling({"UseLocalSource=1", "SeisCompOrLIVELOC=1", "LocalSourcePath=liveloc"}),
                     {"liveloc"});
-    openEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("sources");
     journey.service("/practice/add?source=liveloc"); // the fourth, without a location
     const std::set<std::string> written = filesBelow(journey, "liveloc");
     ASSERT_EQ(written.size(), 4u);
@@ -264,7 +252,7 @@ TEST(SourcesJourney, PrimaryAlternateAndLocalSourceRunInThisOrderWithinOneTick) 
                              "EmscOrUsgs=0", "UseLocalSource=1", "SeisCompOrLIVELOC=0",
                              "LocalSourcePath=seiscomp/"}),
                     {"seiscomp"});
-    openEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("sources");
     journey.key("F5");
     ASSERT_TRUE(journey.waitForLog(" Events imported from EMSC", 1, 30s)) << journey.activityLog();
     ASSERT_TRUE(soon([&] {
@@ -293,7 +281,7 @@ TEST(SourcesJourney, AlternateAndLocalSourceNotifyNobody) {
                              "SeisCompOrLIVELOC=0", "LocalSourcePath=seiscomp/", "enableTelegram=1",
                              "TelegramToken=1:practice"}),
                     {"seiscomp"});
-    openEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("sources");
     journey.key("F5");
     ASSERT_TRUE(journey.waitForLog("50 Events imported from EMSC", 1, 30s));
     journey.service("/practice/add?source=emsc");
@@ -312,7 +300,7 @@ TEST(SourcesJourney, AlternateAndLocalSourceNotifyNobody) {
 
 TEST(SourcesJourney, EachPollLeavesTheLastDayAsACsvFileAndExportAndImportGoRound) {
     Journey journey(polling({"UseAlternateDataSource=1", "EmscOrUsgs=0"}));
-    openEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("sources");
     journey.key("F5");
     ASSERT_TRUE(journey.waitForLog("50 Events imported from EMSC", 1, 30s));
     ASSERT_TRUE(soon([&] { return linesOf(journey.readFile("last24H.csv")).size() > 10; }));
@@ -369,7 +357,7 @@ bool hasWindow(Journey& journey, const std::string& title) {
 
 TEST(SourcesJourney, AnOldCatalogueIsUpgradedBesideItsCopy) {
     Journey journey(polling({"UseAlternateDataSource=1", "EmscOrUsgs=0"}));
-    openEmptyCatalogue(journey);
+    journey.startWithNewCatalogue("sources");
     journey.key("F5");
     ASSERT_TRUE(journey.waitForLog("50 Events imported from EMSC", 1, 30s));
     leave(journey);

@@ -31,15 +31,7 @@ Point pointIn(const Rectangle& window, const FormRectangle& target, int down) {
 class WindowJourney : public ::testing::Test {
   protected:
     WindowJourney() {
-        journey_.startProgram();
-        journey_.waitForWindow("Database error...");
-        journey_.key("Return");
-        journey_.waitForWindow(mainWindow);
-        journey_.key("alt+f c");
-        journey_.waitForWindow("=TREMORLEDGER");
-        journey_.type("window");
-        journey_.key("Return");
-        journey_.waitForWindow(" - Database: window.sqlite");
+        journey_.startWithNewCatalogue("window");
         journey_.key("F5");
         if (!journey_.waitForLog(" Events imported from INGV", 1, 30s))
             ADD_FAILURE() << journey_.activityLog();

@@ -1,3 +1,4 @@
+#include "journeys/source_rows.h"
 #include "journeys/view_journey.h"
 
 #include <cmath>
