@@ -367,7 +367,7 @@ TEST_F(FrmSettingsPagerlinkTest, WorksWithARealServer) {
         const auto start = realClock.steady();
         the<QPushButton>("cmdCheckIfWork")->click();
         EXPECT_EQ(the<QLabel>("labelResult")->text(), QStringLiteral("NO"));
-        EXPECT_LT(realClock.steady() - start, 5s);
+        EXPECT_LT(realClock.steady() - start, 14s); // a list is waited for 15 s
     }
 }
 

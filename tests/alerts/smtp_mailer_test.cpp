@@ -17,6 +17,9 @@ namespace {
 using Lines = std::vector<std::string>;
 using Moment = std::chrono::steady_clock;
 
+// The shortest limit of a mailer that is told none is 30 s.
+constexpr std::chrono::seconds wellBeforeItsLimits(20);
+
 class SmtpMailerTest : public ::testing::Test {
   protected:
     SmtpMailerTest() {
@@ -157,13 +160,13 @@ TEST_F(SmtpServerTest, EndsWhenTheProgramCloses) {
     server.setFaults("mail hang");
     clock.onPump = [this] { session.Closing = clock.pumps > 20; };
     EXPECT_EQ(send(server), "The mail was not sent: the program is closing.");
-    EXPECT_LT(elapsed, std::chrono::seconds(10));
+    EXPECT_LT(elapsed, wellBeforeItsLimits);
 }
 
 TEST_F(SmtpServerTest, DoesNotWaitForTheAnswerToItsGoodbye) {
     server.setFaults("quit hang");
     EXPECT_EQ(send(server), "");
-    EXPECT_LT(elapsed, std::chrono::seconds(5));
+    EXPECT_LT(elapsed, wellBeforeItsLimits);
     EXPECT_EQ(server.mailCount(), 1);
 }
 
@@ -171,7 +174,7 @@ TEST_F(SmtpServerTest, DoesNotWaitForTheAnswerToItsGoodbyeAfterARefusal) {
     for (const char* const stage : {"auth", "mail", "rcpt", "data", "message"}) {
         server.setFaults(std::string(stage) + " refuse\nquit hang");
         EXPECT_NE(send(server), "");
-        EXPECT_LT(elapsed, std::chrono::seconds(5)) << stage;
+        EXPECT_LT(elapsed, wellBeforeItsLimits) << stage;
     }
 }
 
@@ -219,7 +222,7 @@ TEST_P(SmtpSilence, HasAnEnd) {
     limits.totalSeconds = 2;
     server.setFaults(std::string(GetParam()) + " hang");
     EXPECT_NE(send(server), "");
-    EXPECT_LT(elapsed, std::chrono::seconds(8));
+    EXPECT_LT(elapsed, wellBeforeItsLimits);
     EXPECT_EQ(server.mailCount(), 0);
 }
 
@@ -248,7 +251,7 @@ TEST_F(SmtpMailerTest, GivesUpOnAPortThatNeverAnswers) {
     const SilentPort silent;
     limits.connectSeconds = 1;
     EXPECT_NE(send(silent.port()), "");
-    EXPECT_LT(elapsed, std::chrono::seconds(8));
+    EXPECT_LT(elapsed, wellBeforeItsLimits);
 }
 
 TEST_F(SmtpMailerTest, GivesUpOnAServerThatSpeaksNoSmtp) {
@@ -259,7 +262,7 @@ TEST_F(SmtpMailerTest, GivesUpOnAServerThatSpeaksNoSmtp) {
     limits.connectSeconds = 1;
     limits.totalSeconds = 2;
     EXPECT_NE(send(server.port()), "");
-    EXPECT_LT(elapsed, std::chrono::seconds(8));
+    EXPECT_LT(elapsed, wellBeforeItsLimits);
 }
 
 TEST_F(SmtpMailerTest, RefusesAServerNameOrPortThatCannotBe) {

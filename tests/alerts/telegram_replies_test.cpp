@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <random>
 #include <string>
 #include <vector>
@@ -112,17 +111,16 @@ TEST(CutUpdates, KeepsAHostileNameInsideItsOwnRecord) {
     }
 }
 
-TEST(CutUpdates, ReadsALargeReplyInOnePass) {
+// Work that copies what is left at each sender would not end.
+TEST(CutUpdates, ReadsALargeReply) {
     std::vector<testing::Sender> senders;
-    for (int i = 0; i < 40000; ++i)
+    for (int i = 0; i < 200000; ++i)
         senders.push_back({std::to_string(i), R"("first_name":"Ann")"});
     const std::string reply = updatesReply(senders);
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(cutUpdates(reply).users.size(), 40000u);
+    EXPECT_EQ(cutUpdates(reply).users.size(), 200000u);
     const std::string name(100000, 'n');
     EXPECT_EQ(usersOf(updatesReply({{"5", R"("first_name":")" + name + "\""}})),
               Users{"5|" + name});
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
 }
 
 TEST(CutUpdates, SurvivesEveryCutOfARealReply) {

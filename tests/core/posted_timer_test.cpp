@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 template <class Condition>
 bool pumpUntil(Condition condition) {
-    const QDeadlineTimer deadline(5s);
+    const QDeadlineTimer deadline(30s);
     while (!condition() && !deadline.hasExpired())
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
     return condition();

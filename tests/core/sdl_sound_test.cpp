@@ -113,8 +113,8 @@ TEST_F(SdlSoundTest, TakesAsLongAsTheSoundAndPaintsMeanwhile) {
     sound_.play(written(waveFile(noise(22050)))); // half a second
     const auto taken = std::chrono::steady_clock::now() - start;
     EXPECT_GE(taken, 450ms);
-    EXPECT_LT(taken, 5s);
-    EXPECT_GT(clock_.repaints, 10);
+    EXPECT_LT(taken, 30s);
+    EXPECT_GT(clock_.repaints, 5);              // about 50 on an idle machine
     EXPECT_EQ(clock_.pumps + clock_.sleeps, 0); // nothing but paint gets through
 }
 

@@ -79,7 +79,7 @@ TEST_F(StagingTextTest, LeavesTablesOfOtherNamesOut) {
     EXPECT_EQ(valueOf(database, "select count(*) from Events"), "3");
 }
 
-TEST_F(StagingTextTest, IsQuickWithATableWhoseNameIsAnEndlessQuery) {
+TEST_F(StagingTextTest, DoesNotRunATableNameThatIsAnEndlessQuery) {
     change("create table \"(with recursive c(x) as (select 1 union all select 1 from c) select x "
            "from c)\" (a)");
     EXPECT_EQ(stagedText(), testing::oldStagingText);

@@ -118,7 +118,7 @@ TEST_F(ClsDownloaderTest, WritesTenMegabytesByteForByteWithoutWaitingBetweenChun
     const auto start = std::chrono::steady_clock::now();
     download(server.url("/"));
     // 2560 chunks; a wait of 20 ms at each would take 51 seconds.
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 15s);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 40s);
     EXPECT_TRUE(contentOf(target) == body);
     ASSERT_EQ(events.calls.size(), 2562u);
     EXPECT_EQ(events.calls.front(), "size 10240");
@@ -271,11 +271,13 @@ TEST_F(ClsDownloaderTest, AbortInThePumpOfTheLastChunkStillCancels) {
 
 TEST_F(ClsDownloaderTest, AbortEndsTheWaitForAConnection) {
     const SilentPort silent;
+    limits.connectSeconds = 60;
+    limits.totalSeconds = 60;
     clock.onPump = [&] { current->AbortDownload(); };
     const auto start = std::chrono::steady_clock::now();
     download("http://127.0.0.1:" + std::to_string(silent.port()) + "/");
     EXPECT_EQ(events.calls, Calls{"aborted"});
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 30s);
 }
 
 TEST_F(ClsDownloaderTest, PumpsOftenWhileTheServerIsSilentAndEndsWhenTheProgramCloses) {
@@ -284,14 +286,13 @@ TEST_F(ClsDownloaderTest, PumpsOftenWhileTheServerIsSilentAndEndsWhenTheProgramC
         client.send("HTTP/1.1 200 OK\r\nContent-Length: 10000\r\n\r\nonly this");
         client.stall();
     });
+    limits.stallSeconds = 60;
+    limits.totalSeconds = 60;
+    clock.onPump = [&] { session.Closing = clock.pumps == 25; }; // turns of 20 ms
     const auto start = std::chrono::steady_clock::now();
-    clock.onPump = [&] {
-        if (std::chrono::steady_clock::now() - start > 500ms)
-            session.Closing = true;
-    };
     download(server.url("/"));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
-    EXPECT_GT(clock.pumps, 15); // about 25 turns of 20 ms
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 30s);
+    EXPECT_EQ(clock.pumps, 25);
     EXPECT_EQ(events.calls, (Calls{"size 10", "aborted"}));
     EXPECT_FALSE(targetExists());
 }

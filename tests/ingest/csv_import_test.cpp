@@ -4,8 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <ctime>
-
 namespace tremor {
 namespace {
 
@@ -144,15 +142,14 @@ TEST(CsvEvents, CutAtEveryPlaceGivesOnlyWholeEvents) {
     }
 }
 
-TEST(CsvEvents, TakesLongLinesAndManyHolesInTimeProportionalToTheirLength) {
+// Work that grows with the square of the length would not end.
+TEST(CsvEvents, ReadsLongLinesAndManyHoles) {
     std::string text = testing::filled(";") + "\n" + testing::filled("a") + "\n";
     for (int i = 0; i < 300000; ++i)
         text += "\n#\nab;;;;;\n";
-    const std::clock_t start = std::clock();
     const CsvEvents events(text);
     std::size_t seen = 0;
     events.forEach([&](const ImportRecord&) { return ++seen != 0; });
-    EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 20);
     EXPECT_EQ(seen, events.elements());
     EXPECT_EQ(events.incomplete(), 1U);
 }

@@ -3,8 +3,6 @@
 
 #include <fmt/format.h>
 
-#include <ctime>
-
 namespace tremor {
 namespace {
 
@@ -209,15 +207,14 @@ TEST(ParseEmscEvents, CutAtEveryPlaceGivesOnlyWholeEvents) {
     }
 }
 
-TEST(ParseEmscEvents, TakesLongLinesAndManyOpenItemsInTimeProportionalToTheirLength) {
+// Work that grows with the square of the length would not end.
+TEST(ParseEmscEvents, ReadsLongLinesAndManyOpenItems) {
     std::string document = header;
     for (const std::string_view pattern : {"<", ">", "<a>"})
         document += "<item>" + testing::filled(pattern) + "\n"; // one part each
     document += "<item>" + testing::filled("</") + "\n" + testing::filled("<item>\n") +
                 testing::filled(" x\n");
-    const std::clock_t start = std::clock();
     const ParsedFeed feed = parseEmscEvents(document);
-    EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 20);
     EXPECT_EQ(feed.incomplete, 3U);
     EXPECT_EQ(feed.records.size(), 1U); // the one of empty parts
 }

@@ -113,10 +113,12 @@ TEST_F(HttpTransferTest, ReportsABadStatusWithoutWaitingForItsBody) {
         client.send("HTTP/1.1 404 Not Found\r\nContent-Length: 10\r\n\r\n");
         client.stall();
     });
+    limits.stallSeconds = 60;
+    limits.totalSeconds = 60;
     const auto start = std::chrono::steady_clock::now();
     download(server.url("/"));
     EXPECT_EQ(events.calls, Calls{"error: Requested file does not exists on the server."});
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 30s);
 }
 
 TEST_F(HttpTransferTest, PassesOverInterimAnswers) {
@@ -182,6 +184,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(HttpTransferTest, FailsWhenTheServerSendsNothingAfterTheHead) {
     limits.stallSeconds = 1;
+    limits.totalSeconds = 60;
     const RawServer server([](const RawConnection& client) {
         client.readHead();
         client.send("HTTP/1.1 200 OK\r\nContent-Length: 5000\r\n\r\n" + std::string(4096, 'x'));
@@ -191,8 +194,8 @@ TEST_F(HttpTransferTest, FailsWhenTheServerSendsNothingAfterTheHead) {
     download(server.url("/"));
     EXPECT_EQ(events.calls, (Calls{"size 5", "chunk 4", brokenDownload}));
     EXPECT_FALSE(targetExists());
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 10s);
-    EXPECT_GT(clock.pumps, 20);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 30s);
+    EXPECT_GT(clock.pumps, 5); // about 50 on an idle machine
 }
 
 TEST_F(HttpTransferTest, FailsWhenTheServerNeverAnswers) {
@@ -207,7 +210,7 @@ TEST_F(HttpTransferTest, FailsWhenTheConnectionNeverStands) {
     const SilentPort silent;
     download("http://127.0.0.1:" + std::to_string(silent.port()) + "/");
     EXPECT_EQ(events.calls, Calls{cannotOpen});
-    EXPECT_GT(clock.pumps, 10);
+    EXPECT_GT(clock.pumps, 5); // about 50 on an idle machine
 }
 
 // Sends one byte every `pause`.

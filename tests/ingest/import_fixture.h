@@ -3,6 +3,8 @@
 #include "ingest/import_rules.h"
 #include "support/fakes.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <string>
@@ -19,6 +21,7 @@ inline std::string fileText(const std::string& path) {
 inline void writeText(const std::string& path, std::string_view text) {
     std::ofstream file(path, std::ios::binary);
     file.write(text.data(), static_cast<std::streamsize>(text.size()));
+    EXPECT_TRUE(file.flush()) << path << " cannot be written: " << std::strerror(errno);
 }
 
 inline std::string ingvDocument(const std::string& name) {
@@ -65,6 +68,18 @@ class ImportFixture : public ::testing::Test {
     }
 
     int eventCount() { return std::stoi(rows("select count(*) from Events").at(0)); }
+
+    // How often the database calls back during a call: about every 30 ms while it waits for a
+    // locked catalogue, and less often on a machine that is busy otherwise.
+    template <class Call>
+    int busyCalls(Call&& call) {
+        int calls = 0;
+        database.setBusyCallback([&calls] { ++calls; });
+        call();
+        database.setBusyCallback({});
+        return calls;
+    }
+    static constexpr int mostBusyCallsOfOneWait = Database::busyTimeoutMilliseconds / 30 + 1;
 
     static constexpr std::string_view createEvents =
         "CREATE TABLE Events ('UTC' DATETIME NOT NULL , 'Latitude' REAL, 'Longitude' REAL, 'Depth' "

@@ -354,10 +354,9 @@ TEST_F(LivelocSource, WaitsOnceForALockedCatalogue) {
     Database other;
     ASSERT_EQ(other.slsOpen(cataloguePath(), {}), 0);
     ASSERT_EQ(other.slsExe("BEGIN EXCLUSIVE"), 0);
-    const auto start = std::chrono::steady_clock::now();
-    read();
-    EXPECT_LT(std::chrono::steady_clock::now() - start,
-              2 * std::chrono::milliseconds(Database::busyTimeoutMilliseconds));
+    const int calls = busyCalls([&] { read(); });
+    EXPECT_GT(calls, 0);
+    EXPECT_LE(calls, mostBusyCallsOfOneWait);
     ASSERT_EQ(other.slsExe("ROLLBACK"), 0);
     EXPECT_TRUE(stored().empty());
     read();
@@ -377,7 +376,7 @@ TEST_F(LivelocSource, LosesOnlyTheRowThatTheCatalogueRefuses) {
 TEST_F(LivelocSource, ReadsOnlyTheHeadOfAHugeFile) {
     put("2012/05/a", sfileLine());
     fs::resize_file(at("2012/05/a"), 3ULL << 30);
-    EXPECT_LT(processorSeconds([&] { read(); }), 0.5);
+    EXPECT_LT(bytesRead([&] { read(); }), 1'000'000U);
     EXPECT_EQ(stored(), Texts{storedEvent});
 }
 
@@ -429,10 +428,10 @@ TEST_F(LivelocSource, KeepsTheWindowsPaintedOnASlowDisk) {
     EXPECT_EQ(eventCount(), 100);
 }
 
-TEST_F(LivelocSource, ImportsThousandsOfFilesInReasonableTime) {
+TEST_F(LivelocSource, ImportsThousandsOfFiles) {
     for (int i = 0; i < 3000; ++i)
         put(fmt::format("2012/05/{:05}", i), sfileLine());
-    EXPECT_LT(processorSeconds([&] { read(); }), 10);
+    read();
     EXPECT_EQ(eventCount(), 3000);
     read();
     EXPECT_EQ(eventCount(), 3000);

@@ -192,7 +192,7 @@ TEST_F(SiteBrowserWindow, GivesAHangingPageItsTimeAndLeavesItThen) {
     time.start();
     EXPECT_NO_THROW(browser->click("go"));
     EXPECT_GE(time.elapsed(), 900);
-    EXPECT_LT(time.elapsed(), 4000);
+    EXPECT_LT(time.elapsed(), 30000);
     EXPECT_EQ(browser->LocationURL(), "about:blank");
     EXPECT_NO_THROW(browser->click("go"));
     show("<input id=a>");

@@ -69,14 +69,13 @@ TEST(SolutionLines, RaisesError9ForAHeadingWithoutSolution) {
     EXPECT_EQ(solutionLines("LocSAT solution\n\n"), std::vector<std::string_view>{""});
 }
 
-TEST(SolutionLines, TakesTimeInProportionToTheText) {
+// Work that grows with the square of the number would not end.
+TEST(SolutionLines, TakesAMillionHeadings) {
     std::string text;
-    while (text.size() < 4'000'000)
+    for (int i = 0; i < 1'000'000; ++i)
         text += "LocSAT solution\n";
     text += "\n\n";
-    const std::clock_t start = std::clock();
-    EXPECT_EQ(solutionLines(text).size(), 250000U);
-    EXPECT_LT(std::clock() - start, 5 * CLOCKS_PER_SEC);
+    EXPECT_EQ(solutionLines(text).size(), 1'000'000U);
 }
 
 TEST(ParseSolution, TakesThePartsByTheirPlaces) {
@@ -241,11 +240,15 @@ TEST_F(SeisCompSource, KeepsTheLastOfKnownEventsOfOneTime) {
     EXPECT_EQ(log.messages.size(), 1U);
 }
 
-TEST_F(SeisCompSource, UpdatesManyEventsOfOneTimeInReasonableTime) {
+TEST_F(SeisCompSource, UpdatesEachRowOfOneTimeOnceForManyEvents) {
     for (int i = 0; i < 2000; ++i)
         makeFolder(fmt::format("ev{:05}", i));
     read();
-    EXPECT_LT(processorSeconds([&] { read(); }), 1.5);
+    ASSERT_EQ(eventCount(), 2000);
+    const auto changedRows = [this] { return std::stoi(rows("select total_changes()").at(0)); };
+    const int before = changedRows();
+    read();
+    EXPECT_EQ(changedRows() - before, 2000);
     EXPECT_EQ(eventCount(), 2000);
 }
 
@@ -426,7 +429,7 @@ TEST_F(SeisCompSource, ReadsFolderNamesThatAreNotUtf8OrHoldAComma) {
     EXPECT_EQ(folders(""), (Texts{"imported_ev,1", "imported_ev\xff"}));
 }
 
-TEST_F(SeisCompSource, HandlesThousandsOfFoldersInReasonableTime) {
+TEST_F(SeisCompSource, SearchesTheCatalogueOnceForThousandsOfFolders) {
     ASSERT_EQ(database.slsExe("with recursive n(i) as (select 1 union all select i + 1 from n "
                               "where i < 400000) insert into Events(UTC, Source) "
                               "select '1990-01-01 00:00:' || i, 'SURVEY-INGV' from n"),
@@ -434,8 +437,10 @@ TEST_F(SeisCompSource, HandlesThousandsOfFoldersInReasonableTime) {
     for (int i = 0; i < 2000; ++i)
         put(fmt::format("ev{:05}/last", i),
             lastFile(solution("11.23 E", "ML 1.0", fmt::format("02:03:{:05}", i))));
-    EXPECT_LT(processorSeconds([&] { read(); }), 10); // all are new
-    EXPECT_LT(processorSeconds([&] { read(); }), 10); // all are known
+    // Its pages do not fit into the memory that SQLite keeps them in: each search reads the file.
+    const auto catalogue = fs::file_size(cataloguePath());
+    EXPECT_LT(bytesRead([&] { read(); }), 2 * catalogue); // all are new
+    EXPECT_LT(bytesRead([&] { read(); }), 2 * catalogue); // all are known
     EXPECT_EQ(eventCount(), 402000);
 }
 

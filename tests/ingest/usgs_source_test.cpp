@@ -3,8 +3,6 @@
 
 #include <fmt/format.h>
 
-#include <ctime>
-
 namespace tremor {
 namespace {
 
@@ -258,7 +256,8 @@ TEST_F(UsgsSource, GetsThroughARandomBinary) {
     EXPECT_EQ(storedTimes(), Texts{"2021-01-14 05:45:26.600"});
 }
 
-TEST_F(UsgsSource, TakesALineOf10MegabytesInTimeProportionalToItsLength) {
+// Work that grows with the square of the length would not end.
+TEST_F(UsgsSource, ReadsLongLines) {
     std::string document;
     std::size_t incomplete = 0;
     for (const std::string_view pattern : {"<", "<value>", "</value>", " "}) {
@@ -266,9 +265,7 @@ TEST_F(UsgsSource, TakesALineOf10MegabytesInTimeProportionalToItsLength) {
         ++incomplete;
     }
     document += eventHead + testing::filled("<value></value>") + "\n"; // an event of empty texts
-    const std::clock_t start = std::clock();
     const ParsedFeed feed = parseUsgsEvents(document, NumberLocale::point());
-    EXPECT_LT(static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC, 10);
     EXPECT_EQ(feed.incomplete, incomplete);
     EXPECT_EQ(feed.records.size(), 1U);
 }

@@ -178,7 +178,7 @@ TEST_F(FrmDownloadTest, EscapeEndsARunningDownloadAndLaterWaitsWork) {
     });
     const auto before = clock.steady();
     press("cmdDownload");
-    EXPECT_LT((clock.steady() - before).count(), 5000);
+    EXPECT_LT((clock.steady() - before).count(), 20000);
     EXPECT_TRUE(network.aborted);
     EXPECT_FALSE(import.running());
     EXPECT_EQ(session.WaitCounter, 0);

@@ -232,14 +232,13 @@ TEST_F(BrowserWindow, ThePageIsGoneWhenTheProgramCloses) {
 
 TEST_F(BrowserWindow, APageThatDoesNotAnswerTimesOutAndCanBeUsedLater) {
     ASSERT_TRUE(showPage(smallPage + "<script>document.getElementById('plain').onclick = () => {"
-                                     "const start = Date.now(); while (Date.now() - start < 7000);"
+                                     "const start = Date.now(); while (Date.now() - start < 12000);"
                                      "};</script>"));
     const auto start = clock.steady();
     EXPECT_EQ(browser().fire("plain", Fire::Click), PageStatus::TimedOut);
     EXPECT_GE(clock.steady() - start, QtWebBrowser::answerTime);
-    EXPECT_LT(clock.steady() - start, QtWebBrowser::answerTime + std::chrono::milliseconds(1500));
     EXPECT_TRUE(waitFor(
-        [&] { return browser().fire("markers", Fire::Onclick) == PageStatus::Done; }, 10000));
+        [&] { return browser().fire("markers", Fire::Onclick) == PageStatus::Done; }, 60000));
 }
 
 TEST_F(BrowserWindow, AHandlerThatThrowsIsDone) {

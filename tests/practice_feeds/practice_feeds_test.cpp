@@ -52,7 +52,7 @@ class PracticeFeedsProgram : public ::testing::Test {
     }
     // The exit code; -1 when it did not end in time or by a signal.
     int waitForExit() {
-        for (int i = 0; i < 1000; ++i) {
+        for (int i = 0; i < 6000; ++i) {
             int status = 0;
             if (::waitpid(pid_, &status, WNOHANG) == pid_) {
                 pid_ = -1;
@@ -64,7 +64,7 @@ class PracticeFeedsProgram : public ::testing::Test {
     }
     int portFromOutput() const {
         const std::string begin = "practice feeds on http://127.0.0.1:";
-        for (int i = 0; i < 1000 && !output().ends_with("\n"); ++i)
+        for (int i = 0; i < 6000 && !output().ends_with("\n"); ++i)
             std::this_thread::sleep_for(10ms);
         EXPECT_TRUE(output().starts_with(begin)) << output();
         return std::atoi(output().substr(begin.size()).c_str());
@@ -97,8 +97,11 @@ TEST_F(PracticeFeedsProgram, EndsOnSigintWhileARequestIsStalled) {
     const int port = portFromOutput();
     httplib::Client control("127.0.0.1", port);
     ASSERT_TRUE(control.Get("/practice/fault?kind=stall"));
-    std::thread request(
-        [port] { httplib::Client("127.0.0.1", port).Get("/fdsnws/event/1/query?format=text"); });
+    std::thread request([port] {
+        httplib::Client client("127.0.0.1", port);
+        client.set_read_timeout(120s); // its own limit would end the stall
+        client.Get("/fdsnws/event/1/query?format=text");
+    });
     for (auto log = control.Get("/practice/log"); log && log->body.empty();
          log = control.Get("/practice/log"))
         std::this_thread::sleep_for(10ms);

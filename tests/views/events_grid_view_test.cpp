@@ -133,7 +133,7 @@ class GridEventsTest : public ::testing::Test {
         QApplication::sendEvent(view.viewport(), &event);
         // A tip that is told to go stays for a moment.
         QElapsedTimer timer;
-        for (timer.start(); QToolTip::text() == QStringLiteral("old") && !timer.hasExpired(5000);)
+        for (timer.start(); QToolTip::text() == QStringLiteral("old") && !timer.hasExpired(30000);)
             QApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
         return QToolTip::text();
     }
