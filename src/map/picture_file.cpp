@@ -74,8 +74,8 @@ bool writeGif(QImage& indexed, std::string& text) {
 
 // The bytes of a picture file; empty when it cannot be encoded.
 std::string encoded(const Picture& picture, std::string_view encoder) {
-    const QImage image(picture.rgb.data(), picture.width, picture.height, 3 * picture.width,
-                       QImage::Format_RGB888);
+    const QImage image(picture.rgb.data(), picture.width, picture.height,
+                       qsizetype{3} * picture.width, QImage::Format_RGB888);
     if (encoder == gifEncoder) {
         std::string text;
         QImage indexed = image.convertToFormat(QImage::Format_Indexed8);
