@@ -1,5 +1,6 @@
 #include "alerts/email_notification.h"
 #include "support/fakes.h"
+#include "support/texts.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -8,7 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -95,10 +95,6 @@ class EmailNotificationTest : public ::testing::Test {
         notification.generateMsgEmail();
     }
     std::string mapFile() const { return folder.file("History/email.png"); }
-    std::string mapContent() const {
-        std::ifstream stream(mapFile());
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
     void expectNothingDone() {
         EXPECT_TRUE(mailer.mails.empty());
         EXPECT_TRUE(maps.requests.empty());
@@ -223,7 +219,7 @@ TEST_F(EmailNotificationTest, DrawsTheMapAroundTheEvent) {
         EXPECT_EQ(request.width, 250);
         EXPECT_EQ(request.height, 250);
     }
-    EXPECT_EQ(mapContent(), "a picture");
+    EXPECT_EQ(contentOf(mapFile()), "a picture");
     EXPECT_TRUE(download.calls.empty());
     EXPECT_EQ(session.DownloadState, 0);
 }
@@ -257,7 +253,7 @@ TEST_F(EmailNotificationTest, FetchesTheMapFromANamedHost) {
     EXPECT_EQ(download.calls,
               Texts{"https://maps.example.org/maps/api/staticmap?center=42.7,13.23&zoom=8"
                     "&size=250x250&maptype=hybrid&markers=color:red%7C42.7,13.23 4096 false"});
-    EXPECT_EQ(mapContent(), "fetched");
+    EXPECT_EQ(contentOf(mapFile()), "fetched");
     EXPECT_TRUE(maps.requests.empty());
     EXPECT_EQ(mailer.mails.size(), 1U);
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "support/texts.h"
+
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -12,9 +12,9 @@ namespace tremor::testing {
 
 // A real one.
 inline std::string telegramReply(const std::string& name) {
-    std::ifstream stream(TREMOR_TEST_DATA "/telegram/" + name, std::ios::binary);
-    EXPECT_TRUE(stream) << name;
-    return {std::istreambuf_iterator<char>(stream), {}};
+    std::string text = contentOf(TREMOR_TEST_DATA "/telegram/" + name);
+    EXPECT_FALSE(text.empty()) << name;
+    return text;
 }
 
 struct Sender {

@@ -4,6 +4,7 @@
 #include "map/recording_web_browser.h"
 #include "support/fakes.h"
 #include "support/reachable_host.h"
+#include "support/texts.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QString>
@@ -129,10 +130,7 @@ class PanelHarness {
         for (const std::string& line : lines)
             file << line << "\r\n";
     }
-    std::string settingsFile() const {
-        std::ifstream file(folder.file("settings.ini"), std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string settingsFile() const { return contentOf(folder.file("settings.ini")); }
 
     // A catalogue with so many events of the last hours; its path.
     std::string makeCatalogue(const std::string& name, int events) {

@@ -1,5 +1,6 @@
 #include "core/sdl_sound.h"
 #include "support/fakes.h"
+#include "support/texts.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -10,7 +11,6 @@
 #include <cstdint>
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 
 // What is played is read from the file that SDL's "disk" device writes: silence, then the samples
@@ -84,10 +84,7 @@ class SdlSoundTest : public ::testing::Test {
         return path;
     }
     // All that has reached the device; the empty text when none was opened.
-    std::string played() const {
-        std::ifstream file(played_, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string played() const { return testing::contentOf(played_); }
     void expectSilence(const std::string& bytes) {
         sound_.play(written(bytes));
         EXPECT_EQ(played(), "");
@@ -140,8 +137,7 @@ TEST_F(SdlSoundTest, PlaysOtherFormats) {
 TEST_F(SdlSoundTest, PlaysTheSoundsThatComeWithTheProgram) {
     for (const std::string name : {"level1", "level2", "level3", "level4"}) {
         const std::string path = TREMOR_SHARE "/Sounds/" + name + ".wav";
-        std::ifstream file(path, std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        const std::string bytes = testing::contentOf(path);
         ASSERT_GT(bytes.size(), 44100U) << name; // over a second
         EXPECT_LT(bytes.size(), 200000U) << name;
         sound_.play(path);

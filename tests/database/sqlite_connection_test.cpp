@@ -1,5 +1,6 @@
 #include "database/database_support.h"
 #include "support/fakes.h"
+#include "support/texts.h"
 
 #include <fmt/format.h>
 #include <sys/stat.h>
@@ -10,7 +11,6 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -24,11 +24,6 @@ namespace {
 
 void writeBytes(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
-}
-
-std::string readBytes(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 class ConnectionTest : public ::testing::Test {
@@ -135,7 +130,7 @@ TEST_F(ConnectionTest, NoticesThatTheOpenFileWasDeleted) {
 
 TEST_F(ConnectionTest, SurvivesAFileThatIsOverwrittenInPlaceWithAShorterOne) {
     const std::string path = smallFile("a.sqlite");
-    const std::string brief = readBytes(path);
+    const std::string brief = contentOf(path);
     ForeignConnection(path).run("create table big (b); insert into big values (zeroblob(9000000))");
     ASSERT_EQ(database.slsOpen(path, ""), 0);
     ASSERT_EQ(valueOf(database, "select length(b) from big"), "9000000");
@@ -220,7 +215,7 @@ TEST_F(ConnectionTest, SurvivesDamagedFiles) {
     ForeignConnection(path).run(
         "create table t (a text unique, b real); with recursive n(i) as (select 1 union all "
         "select i + 1 from n where i < 800) insert into t select 'row ' || i, i / 2.0 from n");
-    const std::string sound = readBytes(path);
+    const std::string sound = contentOf(path);
     std::mt19937 random(7);
     const auto below = [&](std::size_t limit) { return random() % limit; };
     int failures = 0;

@@ -2,6 +2,7 @@
 #include "support/download_fixture.h"
 #include "support/loopback_server.h"
 #include "support/raw_server.h"
+#include "support/texts.h"
 
 #include <signal.h>
 #include <sys/resource.h>

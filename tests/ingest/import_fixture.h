@@ -2,20 +2,19 @@
 
 #include "ingest/import_rules.h"
 #include "support/fakes.h"
+#include "support/texts.h"
 
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 namespace tremor::testing {
 
 inline std::string fileText(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file.is_open()) << path;
-    return {std::istreambuf_iterator<char>(file), {}};
+    EXPECT_TRUE(std::ifstream(path)) << path;
+    return contentOf(path);
 }
 
 inline void writeText(const std::string& path, std::string_view text) {

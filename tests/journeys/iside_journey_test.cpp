@@ -1,8 +1,8 @@
 #include "journeys/map_journey.h"
 #include "journeys/source_rows.h"
+#include "support/texts.h"
 
 #include <algorithm>
-#include <sstream>
 #include <thread>
 
 // The ISIDE site in the program's hidden browser, against the practice site.
@@ -41,11 +41,8 @@ class IsideJourney : public MapJourney {
         ASSERT_EQ(journey_.service("/practice/iside/fault?kind=" + kind), "ok\n");
     }
     std::ptrdiff_t requests(const std::string& line) {
-        std::istringstream stream(journey_.service("/practice/log"));
-        std::ptrdiff_t count = 0;
-        for (std::string request; std::getline(stream, request);)
-            count += request == line ? 1 : 0;
-        return count;
+        const std::vector<std::string> log = testing::linesOf(journey_.service("/practice/log"));
+        return std::count(log.begin(), log.end(), line);
     }
     void leave() {
         journey_.key("alt+f x");

@@ -1,6 +1,7 @@
 #include "journeys/journey.h"
 
 #include "journeys/screen_picture.h"
+#include "support/texts.h"
 
 #include <curl/curl.h>
 #include <fcntl.h>
@@ -15,7 +16,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
@@ -74,11 +74,6 @@ pid_t spawn(const std::vector<std::string>& command, const std::string& output,
     if (result != 0)
         throw std::runtime_error("cannot start " + command[0]);
     return pid;
-}
-
-std::string readText(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 void endChild(pid_t& pid, int signalNumber) {
@@ -163,11 +158,10 @@ Journey::Journey(const std::vector<std::string>& settingsLines,
     services_ = spawn(services, folder_ + "/services.log", {});
     if (!waitUntil([&] { return readFile("hosts.ini").find("Ingv=") != std::string::npos; }, 20s))
         throw std::runtime_error("the practice services did not start: " +
-                                 readText(folder_ + "/services.log"));
-    std::istringstream hosts(readFile("hosts.ini"));
-    for (std::string line; std::getline(hosts, line);)
+                                 testing::contentOf(folder_ + "/services.log"));
+    for (const std::string& line : testing::linesOf(readFile("hosts.ini")))
         if (line.starts_with("Ingv="))
-            servicesUrl_ = line.substr(5, line.find_last_not_of("\r") - 4);
+            servicesUrl_ = line.substr(5);
 }
 
 Journey::~Journey() {
@@ -196,7 +190,7 @@ std::string Journey::desktop(const std::vector<std::string>& arguments) {
     const pid_t pid = spawn(command, output, {});
     int status = 0;
     waitpid(pid, &status, 0);
-    const std::string text = readText(output);
+    const std::string text = testing::contentOf(output);
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
         throw std::runtime_error("desktop " + arguments[0] + ": " + text);
     return text;
@@ -339,11 +333,9 @@ bool Journey::waitForLog(const std::string& text, int count, std::chrono::second
     return waitUntil(
         [&] {
             int found = 0;
-            for (std::string line : splitAt(activityLog(), '\n')) {
-                line.erase(line.find_last_not_of('\r') + 1);
+            for (const std::string& line : testing::linesOf(activityLog()))
                 if (line == text || (text.starts_with(' ') && line.ends_with(text)))
                     ++found;
-            }
             return found >= count;
         },
         limit);
@@ -365,7 +357,7 @@ long Journey::pixelsOfColour(const std::string& rrggbb) {
 }
 
 ScreenPicture Journey::picture() const {
-    return ScreenPicture(readText(folder_ + "/desktop/Xvfb_screen0"));
+    return ScreenPicture(testing::contentOf(folder_ + "/desktop/Xvfb_screen0"));
 }
 
 std::string Journey::service(const std::string& pathAndQuery) {
@@ -384,13 +376,12 @@ std::string Journey::service(const std::string& pathAndQuery) {
 }
 
 std::string Journey::readFile(const std::string& name) const {
-    return readText(file(name));
+    return testing::contentOf(file(name));
 }
 
 std::map<std::string, std::string> Journey::settings() const {
     std::map<std::string, std::string> values;
-    for (std::string line : splitAt(readFile("settings.ini"), '\n')) {
-        line.erase(line.find_last_not_of('\r') + 1);
+    for (const std::string& line : testing::linesOf(readFile("settings.ini"))) {
         const auto equals = line.find('=');
         if (equals != std::string::npos)
             values[line.substr(0, equals)] = line.substr(equals + 1);

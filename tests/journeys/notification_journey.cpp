@@ -1,6 +1,7 @@
 #include "journeys/notification_journey.h"
 
 #include "journeys/source_rows.h"
+#include "support/texts.h"
 
 #include <fmt/format.h>
 
@@ -8,9 +9,6 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <sstream>
 
 namespace tremor::journeys {
 namespace {
@@ -49,11 +47,6 @@ std::vector<std::string> notifyingSettings(const std::vector<std::string>& more)
     }
     lines.insert(lines.end(), more.begin(), more.end());
     return lines;
-}
-
-std::string bytesOf(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 // The bytes of the chunk "data" of a WAV file with the usual head.
@@ -136,12 +129,9 @@ EventRow NotificationJourney::addEventOfEmsc() {
 }
 
 int NotificationJourney::countInLog(const std::string& text) {
-    std::istringstream log(journey_.activityLog());
     int count = 0;
-    for (std::string line; std::getline(log, line);) {
-        line.erase(line.find_last_not_of('\r') + 1);
+    for (const std::string& line : testing::linesOf(journey_.activityLog()))
         count += line.ends_with(text) ? 1 : 0;
-    }
     return count;
 }
 
@@ -150,11 +140,7 @@ bool NotificationJourney::soonInLog(const std::string& text, int count) {
 }
 
 std::vector<std::string> NotificationJourney::linesOf(const std::string& control) {
-    std::istringstream stream(journey_.service("/practice/" + control));
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
+    return testing::linesOf(journey_.service("/practice/" + control));
 }
 
 std::vector<std::string> NotificationJourney::datagrams() {
@@ -188,7 +174,7 @@ std::vector<std::string> NotificationJourney::telegrams() {
 // Behind the samples there is silence, which the program adds.
 bool NotificationJourney::rang(const std::string& soundFile) const {
     const std::string samples = samplesOf(journey_.readFile(soundFile));
-    const std::string played = bytesOf(this->soundFile());
+    const std::string played = testing::contentOf(this->soundFile());
     return !samples.empty() && played.size() > samples.size() && played.starts_with(samples) &&
            played.find_first_not_of('\0', samples.size()) == std::string::npos;
 }

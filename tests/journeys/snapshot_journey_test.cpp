@@ -1,4 +1,5 @@
 #include "journeys/map_journey.h"
+#include "support/texts.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -6,7 +7,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -132,8 +132,7 @@ TEST_F(SnapshotJourney, CurrentIsAWholePictureAtAnyMoment) {
     int polls = 1;
     journey_.key("F5");
     EXPECT_TRUE(soon([&] {
-        std::ifstream file(inHistory("current.jpg"), std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        const std::string bytes = testing::contentOf(inHistory("current.jpg"));
         EXPECT_TRUE(bytes.starts_with("\xFF\xD8") && bytes.ends_with("\xFF\xD9")) << bytes.size();
         const auto now = std::filesystem::last_write_time(inHistory("current.jpg"));
         if (now != before && ++changes < 2)

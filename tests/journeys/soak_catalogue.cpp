@@ -1,10 +1,10 @@
 #include "journeys/soak_catalogue.h"
 
 #include "journeys/source_rows.h"
+#include "support/texts.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <set>
 
@@ -12,11 +12,6 @@ namespace tremor::journeys {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string textOf(const fs::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 bool givesWay(const std::string& source) {
     return source == "ingv" || source == "iside";
@@ -89,7 +84,7 @@ std::vector<EventRow> rowsOfSeisCompFolder(const std::string& folder) {
     std::vector<EventRow> rows;
     for (const auto& entry : fs::recursive_directory_iterator(folder))
         if (entry.path().filename() == "last")
-            rows.push_back(rowOfBulletin(textOf(entry.path())));
+            rows.push_back(rowOfBulletin(testing::contentOf(entry.path())));
     return rows;
 }
 
@@ -101,7 +96,7 @@ std::vector<EventRow> rowsOfSeisanFolder(const std::string& folder) {
         if (!entry.is_regular_file() ||
             entry.path().filename().string().find(".S") == std::string::npos)
             continue;
-        const std::string text = textOf(entry.path());
+        const std::string text = testing::contentOf(entry.path());
         if (text.substr(latitude, latitudeWidth).find_first_not_of(' ') != std::string::npos)
             rows.push_back(rowOfSFile(text));
     }

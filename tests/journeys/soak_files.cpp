@@ -1,5 +1,7 @@
 #include "journeys/soak_files.h"
 
+#include "support/texts.h"
+
 #include <poll.h>
 #include <sqlite3.h>
 #include <sys/inotify.h>
@@ -10,9 +12,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <set>
@@ -28,11 +28,6 @@ namespace fs = std::filesystem;
 const std::set<std::string>& foreignFolders() {
     static const std::set<std::string> names{"Img", "Sounds", "seiscomp", "liveloc"};
     return names;
-}
-
-std::string textOf(const fs::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 std::string withoutBlankEnd(const std::string& text) {
@@ -68,7 +63,7 @@ bool isWhole(const fs::path& path) {
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     if (extension == ".kml")
         return std::system(("xmllint --nonet --noout '" + path.string() + "'").c_str()) == 0;
-    const std::string text = textOf(path);
+    const std::string text = testing::contentOf(path);
     const auto test = tests.find(extension);
     if (test != tests.end())
         return test->second(text);

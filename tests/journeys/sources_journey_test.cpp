@@ -1,5 +1,6 @@
 #include "journeys/journey.h"
 #include "journeys/source_rows.h"
+#include "support/texts.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,6 @@
 #include <fstream>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <thread>
 
 namespace tremor::journeys {
@@ -17,6 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
+using testing::linesOf;
 
 constexpr char catalogue[] = "sources.sqlite";
 
@@ -45,14 +46,6 @@ bool soon(Condition condition) {
 std::vector<EventRow> sorted(std::vector<EventRow> rows) {
     std::sort(rows.begin(), rows.end());
     return rows;
-}
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line.substr(0, line.find_last_not_of('\r') + 1));
-    return lines;
 }
 
 // Dates of the program's clock, "YYYY-MM-DD", so many days before today.

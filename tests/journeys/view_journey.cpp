@@ -1,8 +1,9 @@
 #include "journeys/view_journey.h"
 
+#include "support/texts.h"
+
 #include <algorithm>
 #include <cmath>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -33,14 +34,6 @@ std::time_t timeOf(const std::string& utc) {
     if (strptime(utc.c_str(), "%Y-%m-%d %H:%M:%S", &parts) == nullptr)
         throw std::runtime_error("no time: " + utc);
     return timegm(&parts);
-}
-
-std::vector<std::string> splitLines(const std::string& text) {
-    std::istringstream stream(text);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(line);
-    return lines;
 }
 
 } // namespace
@@ -85,7 +78,7 @@ void ViewJourney::endProgram() {
 }
 
 std::vector<std::string> ViewJourney::selected(const std::string& condition) const {
-    return splitLines(journey_.queryOne(
+    return testing::linesOf(journey_.queryOne(
         catalogue, "select ifnull(group_concat(UTC, char(10)), '') from (select UTC from Events "
                    "where " +
                        condition + " order by UTC desc)"));

@@ -5,10 +5,10 @@
 #include "manage/geonames_import.h"
 #include "manage/zip_builder.h"
 #include "support/fakes.h"
+#include "support/texts.h"
 
 #include <fstream>
 #include <functional>
-#include <iterator>
 #include <map>
 #include <string>
 #include <string_view>
@@ -16,11 +16,6 @@
 #include <vector>
 
 namespace tremor::testing {
-
-inline std::string contentOf(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 inline std::string geonamesDocument(const std::string& name) {
     std::string text = contentOf(TREMOR_TEST_DATA "/geonames/" + name);

@@ -1,5 +1,6 @@
 #include "manage/geonames_fixture.h"
 #include "manage/geonames_import.h"
+#include "support/texts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 #include "manage/geonames_fixture.h"
 #include "manage/zip_extract.h"
+#include "support/texts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 #include "support/fakes.h"
 #include "support/file_size_limit.h"
 #include "support/ordinary_user.h"
+#include "support/texts.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -15,7 +16,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <string>
 #include <system_error>
@@ -28,14 +28,10 @@ namespace tremor {
 namespace {
 
 namespace fs = std::filesystem;
+using testing::contentOf;
 using testing::FileSizeLimit;
 using testing::OrdinaryUser;
 using testing::TemporaryFolder;
-
-std::string read(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 void put(const std::string& path, const std::string& text) {
     fs::create_directories(fs::path(path).parent_path());
@@ -113,7 +109,7 @@ class Launcher : public ::testing::Test {
     Outcome finish(pid_t id, int start) const {
         int status = 0;
         EXPECT_EQ(::waitpid(id, &status, 0), id);
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, read(outputFile(start))};
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(outputFile(start))};
     }
     Outcome start(const Variables& variables, const std::vector<std::string>& arguments = {}) {
         const pid_t id = begin(variables, arguments);
@@ -157,9 +153,9 @@ TEST_F(Launcher, TheFirstStartMakesAFolderWithPicturesAndSounds) {
     const Outcome outcome = start(atHome());
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "started\n" + mine("TremorLedger") + "\n");
-    EXPECT_EQ(read(mine("Img/o_14.png")), "first pin");
-    EXPECT_EQ(read(mine("Sounds/level1.wav")), "first sound");
-    EXPECT_EQ(read(mine("hosts.ini.example")), "first example");
+    EXPECT_EQ(contentOf(mine("Img/o_14.png")), "first pin");
+    EXPECT_EQ(contentOf(mine("Sounds/level1.wav")), "first sound");
+    EXPECT_EQ(contentOf(mine("hosts.ini.example")), "first example");
     EXPECT_EQ(leftovers(), std::vector<std::string>{});
 }
 
@@ -196,7 +192,7 @@ TEST_F(Launcher, ALinkToTheScriptFindsTheInstallation) {
     fs::create_symlink(installed("bin/tremorledger"), folder_.file("link"));
     const pid_t id = begin(atHome(), {}, folder_.file("link"));
     EXPECT_EQ(finish(id, starts_).status, 0);
-    EXPECT_EQ(read(mine("Img/o_14.png")), "first pin");
+    EXPECT_EQ(contentOf(mine("Img/o_14.png")), "first pin");
 }
 
 TEST_F(Launcher, AnUpgradeBringsTheProgram) {
@@ -240,7 +236,7 @@ TEST_F(Launcher, TheProgramIsAlwaysThatOfThePackage) {
     fs::create_symlink(installed("lib/tremorledger/TremorLedger"), mine("TremorLedger"));
     EXPECT_EQ(start(atHome()).output, output);
     EXPECT_FALSE(fs::is_symlink(mine("TremorLedger")));
-    EXPECT_EQ(read(mine(".delivered")).find("TremorLedger"), std::string::npos);
+    EXPECT_EQ(contentOf(mine(".delivered")).find("TremorLedger"), std::string::npos);
 }
 
 TEST_F(Launcher, APieceOfTheProgramDoesNotStay) {
@@ -270,12 +266,12 @@ TEST_F(Launcher, AnUpgradeBringsWhatNobodyHasChanged) {
     deliverSecondVersion();
     deliver("Img/z_14.png", "a pin that is new");
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("Img/o_14.png")), "second pin");
-    EXPECT_EQ(read(mine("Img/z_14.png")), "a pin that is new");
-    EXPECT_EQ(read(mine("hosts.ini.example")), "first example");
+    EXPECT_EQ(contentOf(mine("Img/o_14.png")), "second pin");
+    EXPECT_EQ(contentOf(mine("Img/z_14.png")), "a pin that is new");
+    EXPECT_EQ(contentOf(mine("hosts.ini.example")), "first example");
     deliver("Img/o_14.png", "third pin");
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("Img/o_14.png")), "third pin");
+    EXPECT_EQ(contentOf(mine("Img/o_14.png")), "third pin");
 }
 
 TEST_F(Launcher, AnUpgradeKeepsSettingsHostsAndCatalogues) {
@@ -285,31 +281,31 @@ TEST_F(Launcher, AnUpgradeKeepsSettingsHostsAndCatalogues) {
     put(mine("catalogue.sqlite"), "events");
     deliverSecondVersion();
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("settings.ini")), "[DATABASE]");
-    EXPECT_EQ(read(mine("hosts.ini")), "[HOSTS]");
-    EXPECT_EQ(read(mine("catalogue.sqlite")), "events");
+    EXPECT_EQ(contentOf(mine("settings.ini")), "[DATABASE]");
+    EXPECT_EQ(contentOf(mine("hosts.ini")), "[HOSTS]");
+    EXPECT_EQ(contentOf(mine("catalogue.sqlite")), "events");
 }
 
 TEST_F(Launcher, ASoundOfTheOperatorStaysThroughUpgrades) {
     start(atHome());
     put(mine("Sounds/level1.wav"), "siren");
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("Sounds/level1.wav")), "siren");
+    EXPECT_EQ(contentOf(mine("Sounds/level1.wav")), "siren");
     deliverSecondVersion();
     for (int i = 0; i < 2; ++i) {
         EXPECT_EQ(start(atHome()).status, 0);
-        EXPECT_EQ(read(mine("Sounds/level1.wav")), "siren");
-        EXPECT_EQ(read(mine("Img/o_14.png")), "second pin");
+        EXPECT_EQ(contentOf(mine("Sounds/level1.wav")), "siren");
+        EXPECT_EQ(contentOf(mine("Img/o_14.png")), "second pin");
     }
     deliver("Sounds/level1.wav", "third sound");
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("Sounds/level1.wav")), "siren");
+    EXPECT_EQ(contentOf(mine("Sounds/level1.wav")), "siren");
 }
 
 TEST_F(Launcher, AFileThatWasThereBeforeTheFirstStartStays) {
     put(mine("Sounds/level1.wav"), "siren");
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("Sounds/level1.wav")), "siren");
+    EXPECT_EQ(contentOf(mine("Sounds/level1.wav")), "siren");
 }
 
 TEST_F(Launcher, LinksOfTheOperatorStay) {
@@ -321,7 +317,7 @@ TEST_F(Launcher, LinksOfTheOperatorStay) {
     deliverSecondVersion();
     EXPECT_EQ(start(atHome()).status, 0);
     EXPECT_TRUE(fs::is_symlink(mine("Sounds/level1.wav")));
-    EXPECT_EQ(read(folder_.file("sounds/siren.wav")), "siren");
+    EXPECT_EQ(contentOf(folder_.file("sounds/siren.wav")), "siren");
     EXPECT_TRUE(fs::is_symlink(mine("hosts.ini.example")));
     EXPECT_FALSE(fs::exists(folder_.file("nowhere")));
 }
@@ -330,7 +326,7 @@ TEST_F(Launcher, ADeletedFileIsBroughtBack) {
     start(atHome());
     fs::remove_all(mine("Img"));
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("Img/o_14.png")), "first pin");
+    EXPECT_EQ(contentOf(mine("Img/o_14.png")), "first pin");
 }
 
 TEST_F(Launcher, AnUpgradeThatWasInterruptedIsFinished) {
@@ -340,11 +336,11 @@ TEST_F(Launcher, AnUpgradeThatWasInterruptedIsFinished) {
     put(mine("Img/o_14.png"), "second pin");
     put(mine("Sounds/level1.wav.new"), "sec");
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("Sounds/level1.wav")), "second sound");
+    EXPECT_EQ(contentOf(mine("Sounds/level1.wav")), "second sound");
     EXPECT_EQ(leftovers(), std::vector<std::string>{});
     deliver("Img/o_14.png", "third pin");
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("Img/o_14.png")), "third pin");
+    EXPECT_EQ(contentOf(mine("Img/o_14.png")), "third pin");
 }
 
 TEST_F(Launcher, AFolderInTheWayOfAFileIsLeftAlone) {
@@ -357,7 +353,7 @@ TEST_F(Launcher, TheDataFolderOfTheDesktopCounts) {
     const std::string data = folder_.file("data of mine");
     const Outcome outcome = start(atHomeWith("XDG_DATA_HOME", data));
     EXPECT_EQ(outcome.output, "started\n" + data + "/tremorledger/TremorLedger\n");
-    EXPECT_EQ(read(data + "/tremorledger/Img/o_14.png"), "first pin");
+    EXPECT_EQ(contentOf(data + "/tremorledger/Img/o_14.png"), "first pin");
     EXPECT_FALSE(fs::exists(mine()));
 }
 
@@ -411,7 +407,7 @@ TEST_F(Launcher, AFullDiskLeavesNoHalfFile) {
         EXPECT_EQ(leftovers(), std::vector<std::string>{});
     }
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("Img/o_14.png")), "first pin");
+    EXPECT_EQ(contentOf(mine("Img/o_14.png")), "first pin");
 }
 
 TEST_F(Launcher, AFailedUpgradeLeavesTheOldFileAndSaysWhy) {
@@ -420,11 +416,11 @@ TEST_F(Launcher, AFailedUpgradeLeavesTheOldFileAndSaysWhy) {
     const Outcome outcome = start(atHomeWith("PATH", fullDisk()));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.output.find("No space left on device"), std::string::npos) << outcome.output;
-    EXPECT_EQ(read(mine("Img/o_14.png")), "first pin");
-    EXPECT_EQ(read(mine("Sounds/level1.wav")), "first sound");
+    EXPECT_EQ(contentOf(mine("Img/o_14.png")), "first pin");
+    EXPECT_EQ(contentOf(mine("Sounds/level1.wav")), "first sound");
     EXPECT_EQ(leftovers(), std::vector<std::string>{});
     EXPECT_EQ(start(atHome()).status, 0);
-    EXPECT_EQ(read(mine("Sounds/level1.wav")), "second sound");
+    EXPECT_EQ(contentOf(mine("Sounds/level1.wav")), "second sound");
 }
 
 // A home on a file system of its own: in a name space in which the user seems to be root.
@@ -466,12 +462,12 @@ TEST_F(LauncherInAHomeOfItsOwn, WithoutSpaceForTheProgramItSaysSo) {
 
 TEST_F(Launcher, AFailedUpgradeOfTheProgramKeepsTheOldOne) {
     start(atHome());
-    const std::string before = read(mine("TremorLedger"));
+    const std::string before = contentOf(mine("TremorLedger"));
     installProgram("version 2");
     const Outcome outcome = start(atHomeWith("PATH", fullDisk()));
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.output.find("No space left on device"), std::string::npos) << outcome.output;
-    EXPECT_EQ(read(mine("TremorLedger")), before);
+    EXPECT_EQ(contentOf(mine("TremorLedger")), before);
     EXPECT_EQ(leftovers(), std::vector<std::string>{});
     EXPECT_EQ(start(atHome()).output, "version 2\n" + mine("TremorLedger") + "\n");
 }
@@ -502,7 +498,7 @@ TEST_F(Launcher, ASecondStartWaitsUntilTheFirstHasWritten) {
     ::flock(lock, LOCK_UN);
     ::close(lock);
     EXPECT_EQ(finish(id, starts_).status, 0);
-    EXPECT_EQ(read(mine("Img/o_14.png")), "first pin");
+    EXPECT_EQ(contentOf(mine("Img/o_14.png")), "first pin");
 }
 
 TEST_F(Launcher, AStartThatWaitsTooLongSaysSo) {
@@ -538,7 +534,7 @@ TEST_F(Launcher, WithADisplayAndNoTerminalTheMessageHasAWindow) {
     EXPECT_EQ(outcome.status, 1);
     const std::string message = "TremorLedger cannot start: the variable HOME names no folder.\n";
     EXPECT_EQ(outcome.output, message);
-    EXPECT_TRUE(read(folder_.file("box")).ends_with("--text\n" + message));
+    EXPECT_TRUE(contentOf(folder_.file("box")).ends_with("--text\n" + message));
     fs::remove(folder_.file("box"));
     variables.erase("DISPLAY");
     EXPECT_EQ(start(variables).status, 1);

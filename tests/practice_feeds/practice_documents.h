@@ -1,11 +1,11 @@
 #pragma once
 
 #include "practice_feeds/fdsn_event.h"
+#include "support/texts.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <iterator>
 #include <regex>
 #include <sstream>
 #include <string>
@@ -14,9 +14,8 @@
 namespace tremor::practice {
 
 inline std::string fileText(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    EXPECT_TRUE(stream) << path;
-    return {std::istreambuf_iterator<char>(stream), {}};
+    EXPECT_TRUE(std::ifstream(path)) << path;
+    return tremor::testing::contentOf(path);
 }
 
 inline std::string readTestDocument(const std::string& name) {

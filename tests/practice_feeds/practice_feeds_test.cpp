@@ -1,4 +1,5 @@
 #include "support/fakes.h"
+#include "support/texts.h"
 
 #include <gtest/gtest.h>
 #include <httplib.h>
@@ -9,8 +10,6 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -45,11 +44,7 @@ class PracticeFeedsProgram : public ::testing::Test {
                   0);
         posix_spawn_file_actions_destroy(&actions);
     }
-    std::string output() const { return textOf(outputFile); }
-    static std::string textOf(const std::string& path) {
-        std::ifstream stream(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
+    std::string output() const { return contentOf(outputFile); }
     // The exit code; -1 when it did not end in time or by a signal.
     int waitForExit() {
         for (int i = 0; i < 6000; ++i) {
@@ -81,8 +76,8 @@ TEST_F(PracticeFeedsProgram, PrintsItsAddressWritesTheHostsFileAndEndsOnSigterm)
     const int port = portFromOutput();
     ASSERT_GT(port, 0);
     EXPECT_EQ(output(), "practice feeds on http://127.0.0.1:" + std::to_string(port) + "\n");
-    EXPECT_TRUE(textOf(hostsIni).starts_with("[HOSTS]\n"));
-    EXPECT_NE(textOf(hostsIni).find("\nIngv=http://127.0.0.1:" + std::to_string(port) + "\n"),
+    EXPECT_TRUE(contentOf(hostsIni).starts_with("[HOSTS]\n"));
+    EXPECT_NE(contentOf(hostsIni).find("\nIngv=http://127.0.0.1:" + std::to_string(port) + "\n"),
               std::string::npos);
     const auto answer =
         httplib::Client("127.0.0.1", port).Get("/fdsnws/event/1/query?format=text&limit=5");

@@ -5,6 +5,7 @@
 #include "practice_feeds/practice_documents.h"
 #include "practice_feeds/practice_server.h"
 #include "support/download_fixture.h"
+#include "support/texts.h"
 
 #include <httplib.h>
 
@@ -20,6 +21,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using tremor::testing::brokenDownload;
+using tremor::testing::contentOf;
 using tremor::testing::RecordedDownload;
 
 ServerOptions fixedOptions() {

@@ -1,31 +1,27 @@
 #include "alerts/telegram_bot.h"
+#include "alerts/telegram_documents.h"
 #include "core/hosts.h"
 #include "database/catalogue_support.h"
 #include "ingest/panel_download.h"
 #include "practice_feeds/practice_server.h"
 #include "practice_feeds/telegram_service.h"
 #include "support/download_fixture.h"
+#include "support/texts.h"
 
 #include <httplib.h>
 
 #include <chrono>
-#include <fstream>
 
 // The service by itself, and the program's bot against it through the program's own downloader.
 namespace tremor::practice {
 namespace {
 
 using namespace std::chrono_literals;
+using tremor::testing::telegramReply;
 using Texts = std::vector<std::string>;
 
 Request botRequest(const std::string& path, std::map<std::string, std::string> query = {}) {
     return {"/bot1:practice" + path, std::move(query)};
-}
-
-std::string realReply(const std::string& name) {
-    std::ifstream stream(TREMOR_TEST_DATA "/telegram/" + name, std::ios::binary);
-    EXPECT_TRUE(stream) << name;
-    return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 class TelegramServiceTest : public ::testing::Test {
@@ -57,13 +53,13 @@ class TelegramServiceTest : public ::testing::Test {
 };
 
 TEST_F(TelegramServiceTest, HasNoUpdatesAtFirst) {
-    EXPECT_EQ(updates(), realReply("getUpdates_empty.json"));
+    EXPECT_EQ(updates(), telegramReply("getUpdates_empty.json"));
 }
 
 TEST_F(TelegramServiceTest, RefusesAWrongTokenAsTheServiceDoes) {
     const Answer wrong = service.answer({"/bot1:wrong/getUpdates", {}});
     EXPECT_EQ(wrong.status, 401);
-    EXPECT_EQ(wrong.body, realReply("error_401.json"));
+    EXPECT_EQ(wrong.body, telegramReply("error_401.json"));
     for (const char* path : {"/bot/getMe", "/botabc/getMe", "/bot1:/getMe", "/bot1:practice/other"})
         EXPECT_EQ(service.answer({path, {}}).status, 404) << path;
 }
@@ -158,7 +154,7 @@ TEST_F(TelegramServiceTest, AnswersForAChatThatBlockedTheBotAndTellsOfIt) {
     const Answer answer =
         service.answer(botRequest("/sendMessage", {{"chat_id", "5"}, {"text", "a"}}));
     EXPECT_EQ(answer.status, 403);
-    EXPECT_EQ(answer.body, realReply("error_403_blocked.json"));
+    EXPECT_EQ(answer.body, telegramReply("error_403_blocked.json"));
     EXPECT_EQ(count(updates(), ",\n\"my_chat_member\":{"), 1u);
     service.control({"/practice/telegram/unblock", {{"id", "5"}}});
     EXPECT_EQ(service.answer(botRequest("/sendMessage", {{"chat_id", "5"}, {"text", "a"}})).status,
@@ -236,8 +232,7 @@ class BotAndService : public tremor::testing::CatalogueTest {
         return given;
     }
     std::string replyOf(const std::string& file) {
-        std::ifstream stream(folder.file("logs/" + file), std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
+        return tremor::testing::contentOf(folder.file("logs/" + file));
     }
 
     PracticeServer server{options()};

@@ -7,7 +7,6 @@
 #include <stdlib.h>
 
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -59,10 +58,6 @@ class DownloadTest : public ::testing::Test {
         current = nullptr;
     }
 
-    static std::string contentOf(const std::string& path) {
-        std::ifstream stream(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
     static void writeFile(const std::string& path, const std::string& text) {
         std::ofstream(path, std::ios::binary) << text;
     }

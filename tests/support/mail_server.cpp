@@ -1,5 +1,7 @@
 #include "support/mail_server.h"
 
+#include "support/texts.h"
+
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -12,18 +14,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 namespace tremor::testing {
 
 namespace {
 
 constexpr int startMilliseconds = 20000;
-
-std::string contentOf(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 // Starts a program with its output in `output` (-1: this process's own). Its id.
 pid_t run(std::vector<std::string> words, int output) {
