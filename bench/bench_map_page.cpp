@@ -190,8 +190,10 @@ class Page {
 void measureTimes(std::int64_t events) {
     const BenchFolder folder;
     Page page(folder, events);
+    constexpr int turns = 5;
     std::vector<double> shown;
-    for (int turn = 0; turn < 5; ++turn)
+    shown.reserve(turns);
+    for (int turn = 0; turn < turns; ++turn)
         shown.push_back(milliseconds([&] { page.showPainted(); }));
     fmt::print("{:6} events: markers {:.0f} ms (first {:.0f}), drag step {:.1f} ms, with its "
                "events {:.0f} ms\n",

@@ -104,7 +104,7 @@ class Earth : public EarthRoutines {
     }
     std::string revealBounds(double lat, double lon, std::string_view bearing,
                              double distanceKm) const override {
-        const std::string end = formula_.revealBounds(lat, lon, bearing, distanceKm);
+        std::string end = formula_.revealBounds(lat, lon, bearing, distanceKm);
         if (bearing == "0")
             northEast_ = end;
         if (bearing == "180")

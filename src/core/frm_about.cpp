@@ -57,10 +57,12 @@ class Emblem : public QWidget {
     }
 
     static void paintTrace(QPainter& painter) {
-        constexpr double step = 0.25;
+        constexpr int steps = 400; // across a width of 100
         QPainterPath trace(QPointF(0, traceHeight(0)));
-        for (double x = step; x <= 100; x += step)
+        for (int i = 1; i <= steps; ++i) {
+            const double x = 100.0 * i / steps;
             trace.lineTo(x, traceHeight(x));
+        }
         painter.setPen(QPen(Qt::white, 2.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.drawPath(trace);
     }

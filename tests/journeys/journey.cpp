@@ -38,6 +38,7 @@ std::string placeOf(const char* variable, const char* ofTheBuild) {
 pid_t spawn(const std::vector<std::string>& command, const std::string& output,
             const std::vector<std::string>& environment, bool leader = false) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (const std::string& word : command)
         arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
@@ -53,6 +54,7 @@ pid_t spawn(const std::vector<std::string>& command, const std::string& output,
             variables.push_back(text);
     }
     std::vector<char*> pointers;
+    pointers.reserve(variables.size() + 1);
     for (std::string& variable : variables)
         pointers.push_back(variable.data());
     pointers.push_back(nullptr);
@@ -190,7 +192,7 @@ std::string Journey::desktop(const std::vector<std::string>& arguments) {
     const pid_t pid = spawn(command, output, {});
     int status = 0;
     waitpid(pid, &status, 0);
-    const std::string text = testing::contentOf(output);
+    std::string text = testing::contentOf(output);
     if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
         throw std::runtime_error("desktop " + arguments[0] + ": " + text);
     return text;

@@ -81,7 +81,7 @@ MapJourney::MapJourney(std::vector<std::string> moreSettings,
 }
 
 std::string MapJourney::timeAgo(int minutes) {
-    const std::time_t time = std::time(nullptr) - minutes * 60;
+    const std::time_t time = std::time(nullptr) - minutes * 60L;
     std::tm parts{};
     gmtime_r(&time, &parts);
     std::string text(32, '\0');
@@ -208,6 +208,7 @@ std::vector<MapJourney::Row> MapJourney::rows() const {
 
 std::vector<std::vector<std::string>> MapJourney::times(const std::vector<Row>& rows) {
     std::vector<std::vector<std::string>> result;
+    result.reserve(rows.size());
     for (const Row& row : rows)
         result.push_back(row.time);
     return result;

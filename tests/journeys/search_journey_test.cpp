@@ -15,14 +15,14 @@ class SearchJourney : public ViewJourney {
     using ViewJourney::ViewJourney;
     void SetUp() override { showEverything(); }
 
-    static std::time_t daysAgo(int days) { return std::time(nullptr) - days * 24 * 3600; }
+    static std::time_t daysAgo(int days) { return std::time(nullptr) - days * 24L * 3600; }
     static std::string dayText(std::time_t time, const char* format) {
         std::tm parts{};
         gmtime_r(&time, &parts);
         std::array<char, 16> text{};
         return {text.data(), std::strftime(text.data(), text.size(), format, &parts)};
     }
-    static std::time_t midnight(std::time_t time) { return time - time % (24 * 3600); }
+    static std::time_t midnight(std::time_t time) { return time - time % (24L * 3600); }
 
     void fillDates(std::time_t first, std::time_t last) {
         journey_.key("alt+r");
@@ -73,7 +73,7 @@ TEST_F(SearchJourney, ByDateShowsTheEventsOfTheDaysInTableMapAndChart) {
                                   dayText(last, "%Y-%m-%d") + " 23:59:59'";
     ASSERT_EQ(selected(condition).size(), 2U);
     EXPECT_TRUE(shows(condition));
-    EXPECT_TRUE(chartShows(condition, first, last + 24 * 3600 - 1));
+    EXPECT_TRUE(chartShows(condition, first, last + 24L * 3600 - 1));
     EXPECT_TRUE(soon([&] { return searchModeIsOn(); }));
     EXPECT_EQ(count("Search"), "1");
 

@@ -27,7 +27,8 @@ class SavedPicture {
         int largest = 0;
         if (std::fscanf(reader.get(), "P6 %d %d %d%*c", &width_, &height_, &largest) != 3)
             return;
-        rgb_.resize(static_cast<std::size_t>(3 * width_ * height_));
+        rgb_.resize(std::size_t{3} * static_cast<std::size_t>(width_) *
+                    static_cast<std::size_t>(height_));
         rgb_.resize(std::fread(rgb_.data(), 1, rgb_.size(), reader.get()));
         if (::pclose(reader.release()) != 0 || largest != 255)
             rgb_.clear();
@@ -39,8 +40,12 @@ class SavedPicture {
     // Apart from what a JPEG loses.
     bool isAt(int x, int y, std::uint32_t colour) const {
         constexpr int loss = 6;
-        const auto place = static_cast<std::size_t>(3 * (y * width_ + x));
-        if (x < 0 || y < 0 || x >= width_ || y >= height_ || place + 2 >= rgb_.size())
+        if (x < 0 || y < 0 || x >= width_ || y >= height_)
+            return false;
+        const std::size_t place =
+            3 * (static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+                 static_cast<std::size_t>(x));
+        if (place + 2 >= rgb_.size())
             return false;
         for (const unsigned part : {0U, 1U, 2U})
             if (std::abs(static_cast<int>(rgb_[place + part]) -

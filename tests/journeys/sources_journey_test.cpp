@@ -65,7 +65,7 @@ long minutesSinceMiddleOfYesterday() {
     std::tm local{};
     localtime_r(&now, &local);
     local.tm_hour = local.tm_min = local.tm_sec = 0;
-    return (now - timegm(&local)) / 60 + 12 * 60;
+    return (now - timegm(&local)) / 60 + 12L * 60;
 }
 
 // Paths of all files below a folder of the program, from there on.
